@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kivo {
+
+// The files of the user's Application Support folder, by relative path ("Kivo/energy.json").
+class SupportFiles {
+public:
+    virtual ~SupportFiles() = default;
+
+    // The whole file; nothing when it is missing or cannot be read.
+    virtual std::optional<std::string> read(std::string_view path) = 0;
+    // Keeps a file that could not be understood, under another name, before it is replaced. False when it
+    // could not be kept.
+    virtual bool keepAside(std::string_view path) = 0;
+
+    // Replaces the file as a whole, creating its folders; gives the error's description, nothing on success.
+    // Returns when the file is safe.
+    virtual std::optional<std::string> write(std::string_view path, const std::string& text) = 0;
+    // The same off the main thread; `done` runs on the main thread.
+    virtual void writeInBackground(std::string_view path, std::string text,
+                                   std::function<void(std::optional<std::string> error)> done) = 0;
+};
+
+} // namespace kivo

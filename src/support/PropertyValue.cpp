@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "support/PropertyValue.h"
+
+#include <cmath>
+
+namespace kivo {
+
+std::optional<bool> PropertyValue::boolean() const {
+    if (const auto* value = std::get_if<bool>(&value_))
+        return *value;
+    return std::nullopt;
+}
+
+std::optional<std::int64_t> PropertyValue::integer() const {
+    if (const auto* value = std::get_if<std::int64_t>(&value_))
+        return *value;
+    return std::nullopt;
+}
+
+std::optional<std::uint64_t> PropertyValue::unsignedInteger() const {
+    if (const auto* value = std::get_if<std::uint64_t>(&value_))
+        return *value;
+    if (const auto* value = std::get_if<std::int64_t>(&value_); value && *value >= 0)
+        return static_cast<std::uint64_t>(*value);
+    return std::nullopt;
+}
+
+std::optional<double> PropertyValue::number() const {
+    if (const auto* value = std::get_if<std::int64_t>(&value_))
+        return static_cast<double>(*value);
+    if (const auto* value = std::get_if<std::uint64_t>(&value_))
+        return static_cast<double>(*value);
+    if (const auto* value = std::get_if<double>(&value_))
+        return *value;
+    return std::nullopt;
+}
+
+std::optional<std::int64_t> PropertyValue::wrappedInteger() const {
+    if (const auto* value = std::get_if<std::int64_t>(&value_))
+        return *value;
+    if (const auto* value = std::get_if<std::uint64_t>(&value_))
+        return static_cast<std::int64_t>(*value);
+    if (const auto* value = std::get_if<double>(&value_)) {
+        if (std::isnan(*value))
+            return 0;
+        if (*value >= 9223372036854775808.0)
+            return INT64_MAX;
+        if (*value < -9223372036854775808.0)
+            return INT64_MIN;
+        return static_cast<std::int64_t>(*value);
+    }
+    return std::nullopt;
+}
+
+std::string_view PropertyValue::typeName() const {
+    switch (value_.index()) {
+    case 1:
+        return "boolean";
+    case 2:
+    case 3:
+        return "integer";
+    case 4:
+        return "number";
+    case 5:
+        return "string";
+    case 6:
+        return "data";
+    case 7:
+        return "array";
+    case 8:
+        return "object";
+    default:
+        return "null";
+    }
+}
+
+const PropertyValue* find(const Dictionary& dictionary, std::string_view key) {
+    const auto it = dictionary.find(key);
+    return it == dictionary.end() ? nullptr : &it->second;
+}
+
+} // namespace kivo
