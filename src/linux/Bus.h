@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+
+#include <functional>
+
+namespace kivo {
+
+// Sends a method call and returns at once. `done` gets the reply or the error later on the main thread, also
+// when there is no bus at all; it is not called once `context` is gone. Without `done` the answer is ignored.
+void callBus(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
+             std::function<void(const QDBusMessage& reply)> done);
+
+// Asks the bus itself, for example "NameHasOwner".
+QDBusMessage busCall(const QString& method, const QVariantList& arguments);
+
+// What a value of type `v`, however deeply wrapped, holds.
+QVariant unwrapped(QVariant value);
+
+} // namespace kivo
