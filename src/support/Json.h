@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "support/EnumTable.h"
 #include "support/PropertyValue.h"
 
 #include <stdexcept>
@@ -44,6 +45,15 @@ double requireNumber(const Dictionary& object, std::string_view key);
 const std::string& requireString(const Dictionary& object, std::string_view key);
 const Array& requireArray(const Dictionary& object, std::string_view key);
 const Dictionary& requireObject(const Dictionary& object, std::string_view key);
+
+// A stored case name of an enumeration; an unknown one throws too.
+template <typename Enum, std::size_t count>
+Enum requireCase(const EnumTable<Enum, count>& table, const Dictionary& object, std::string_view key) {
+    const std::string& stored = requireString(object, key);
+    if (const auto value = table.value(stored))
+        return *value;
+    throw DecodingError("\"" + std::string(key) + "\" has the unknown value \"" + stored + "\"");
+}
 
 // Missing and null are absence.
 const PropertyValue* optional(const Dictionary& object, std::string_view key);

@@ -28,4 +28,10 @@ std::string localized(std::string_view key, std::initializer_list<TextArgument> 
 // The same replacement without a look-up, for log messages.
 std::string formatted(std::string_view pattern, std::initializer_list<TextArgument> arguments);
 
+// Lower case by Unicode's simple mapping; bytes that are no UTF-8 stay as they are.
+std::string lowercased(std::string_view text);
+
+// UTF-8 with each invalid sequence replaced by U+FFFD.
+std::string repairedUTF8(std::string_view bytes);
+
 } // namespace kivo
