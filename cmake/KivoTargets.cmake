@@ -18,7 +18,7 @@ endif()
 add_library(kivo_options INTERFACE)
 target_include_directories(kivo_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(kivo_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
-  -Woverloaded-virtual -Wimplicit-fallthrough "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+  -Woverloaded-virtual -Wimplicit-fallthrough -Wno-missing-field-initializers "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
 if(KIVO_WERROR)
   target_compile_options(kivo_options INTERFACE -Werror)
 endif()

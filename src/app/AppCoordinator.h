@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "battery/BatteryMonitor.h"
+#include "core/AlertEngine.h"
+#include "core/SettingsStore.h"
+#include "devices/PowerDevice.h"
+#include "output/Notifier.h"
+#include "output/SoundPlayer.h"
+#include "overlay/OverlayPresenter.h"
+#include "support/Lifetime.h"
+#include "support/Log.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kivo {
+
+class Machine;
+
+// The application's spine: owns every monitor and every output, takes each change through the rules and each
+// fired alert to the outputs, and keeps the widgets' list current. Built once, started once, never stopped.
+class AppCoordinator {
+public:
+    // Builds everything and starts nothing. Both arguments outlive it.
+    AppCoordinator(Machine& machine, SettingsStore& settings);
+
+    // Events in
+    // Wires and starts everything.
+    void start();
+    // The menu is about to show: its readings are made current.
+    void menuWillOpen();
+    // Shows what the rule's alert looks like now, on a sample where its subject is not there. An island shows
+    // whatever the settings say; the sound and the notification follow the settings and the rule.
+    void test(const AlertRule& rule);
+
+    // State out
+    SettingsStore& settings() { return settings_; }
+    BatteryMonitor& monitor() { return monitor_; }
+    Notifier& notifier() { return notifier_; }
+    OverlayPresenter& overlay() { return overlay_; }
+    SoundPlayer& sounds() { return sounds_; }
+    // The computer's name as its user knows it, "Mac" where the system gives none. Read once.
+    const std::string& macName();
+    // The computer first, when it has a battery, then the other devices, emptiest first.
+    std::vector<PowerDevice> allDevices();
+    // The smallest charge below 100 % at which an enabled rule speaks up; absent when there is none.
+    std::optional<std::int64_t> chargeTarget() const;
+
+private:
+    void handlePresented(const IslandContent& content);
+    void handleBattery(const std::optional<BatterySnapshot>& previous, const BatterySnapshot& current);
+    void deliver(std::vector<FiredAlert> alerts);
+    void notify(const FiredAlert& alert, const IslandContent& content);
+    void publish();
+    AlertSubject sampleSubject(const AlertTrigger& trigger);
+
+    Machine& machine_;
+    BatteryMonitor monitor_;
+    SettingsStore& settings_;
+    Notifier notifier_;
+    OverlayPresenter overlay_;
+    SoundPlayer sounds_;
+    Logger logger_;
+    std::vector<PowerDevice> lastPublished_;
+    std::optional<std::string> macName_;
+    Lifetime lifetime_;
+};
+
+} // namespace kivo
