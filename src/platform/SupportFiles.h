@@ -2,11 +2,18 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace kivo {
+
+// A text in pieces that never change, so that another thread can write it without a copy. Null pointers are
+// not allowed.
+using TextPieces = std::vector<std::shared_ptr<const std::string>>;
 
 // The files of the user's Application Support folder, by relative path ("Kivo/energy.json").
 class SupportFiles {
@@ -25,6 +32,15 @@ public:
     // The same off the main thread; `done` runs on the main thread.
     virtual void writeInBackground(std::string_view path, std::string text,
                                    std::function<void(std::optional<std::string> error)> done) = 0;
+    // The same for a long text: `text` makes it, off the main thread as well where there is another thread. It
+    // throws nothing and touches nothing that the main thread owns.
+    virtual void writePiecesInBackground(std::string_view path, std::function<TextPieces()> text,
+                                         std::function<void(std::optional<std::string> error)> done) {
+        std::string whole;
+        for (const auto& piece : text())
+            whole += *piece;
+        writeInBackground(path, std::move(whole), std::move(done));
+    }
 };
 
 } // namespace kivo

@@ -18,6 +18,8 @@ public:
     // The computer's name as its user knows it; nothing when the system gives none.
     virtual std::optional<std::string> computerName() = 0;
     virtual std::optional<std::string> environment(std::string_view name) = 0;
+    // The user's time zone by its IANA name ("Europe/Berlin"); it may change at any time.
+    virtual std::string timeZone() { return "UTC"; }
     // Whether moving things on screen should be avoided.
     virtual bool reduceMotion() = 0;
 };
