@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "linux/LinuxMachine.h"
+
+#include "linux/QtLoop.h"
+#include "linux/base/AbsentAccessibility.h"
+#include "linux/base/AbsentAccessorySources.h"
+#include "linux/base/AbsentDesktop.h"
+#include "linux/base/AbsentLoginService.h"
+#include "linux/base/AbsentMobileDevices.h"
+#include "linux/base/AbsentProcesses.h"
+#include "linux/base/AbsentUpdateService.h"
+
+namespace kivo {
+
+// In the order of their dependencies: each may use those above it.
+struct LinuxMachine::Services {
+    QtLoop loop;
+    StandardErrorLog log;
+
+    AbsentPowerSources powerSources;
+    AbsentAccessorySources accessorySources;
+    AbsentRegistry registry;
+    AbsentPowerState powerState;
+    AbsentProcessRunner processRunner;
+    AbsentMobileDevices mobileDevices;
+
+    MemoryDefaults standardDefaults;
+    MemoryDefaults groupDefaults;
+    AbsentSupportFiles supportFiles;
+
+    AbsentProcesses processes;
+    AbsentRunningApplications applications;
+    AbsentAccessibility accessibility;
+
+    AbsentScreens screens;
+    AbsentNotificationCenter notifications;
+    AbsentSounds sounds;
+    AbsentHaptics haptics;
+    AbsentWidgetCenter widgets;
+    AbsentWorkspace workspace;
+    AbsentLoginService login;
+    AbsentUpdateService updates;
+
+    AbsentOverlayPanel absentPanel;
+    AbsentWindows absentWindows;
+    OverlayPanel* overlayPanel = &absentPanel;
+    Windows* windows = &absentWindows;
+};
+
+LinuxMachine::LinuxMachine() : services_(std::make_unique<Services>()) {}
+LinuxMachine::~LinuxMachine() = default;
+
+void LinuxMachine::provide(OverlayPanel& overlayPanel) {
+    services_->overlayPanel = &overlayPanel;
+}
+void LinuxMachine::provide(Windows& windows) {
+    services_->windows = &windows;
+}
+
+MainLoop& LinuxMachine::loop() {
+    return services_->loop;
+}
+LogSink& LinuxMachine::log() {
+    return services_->log;
+}
+PowerSources& LinuxMachine::powerSources() {
+    return services_->powerSources;
+}
+AccessorySources& LinuxMachine::accessorySources() {
+    return services_->accessorySources;
+}
+DeviceRegistry& LinuxMachine::registry() {
+    return services_->registry;
+}
+PowerState& LinuxMachine::powerState() {
+    return services_->powerState;
+}
+ProcessRunner& LinuxMachine::processRunner() {
+    return services_->processRunner;
+}
+MobileDeviceLibrary& LinuxMachine::mobileDevices() {
+    return services_->mobileDevices;
+}
+UserDefaults& LinuxMachine::standardDefaults() {
+    return services_->standardDefaults;
+}
+UserDefaults* LinuxMachine::groupDefaults() {
+    return &services_->groupDefaults;
+}
+SupportFiles& LinuxMachine::supportFiles() {
+    return services_->supportFiles;
+}
+Processes& LinuxMachine::processes() {
+    return services_->processes;
+}
+RunningApplications& LinuxMachine::applications() {
+    return services_->applications;
+}
+Accessibility& LinuxMachine::accessibility() {
+    return services_->accessibility;
+}
+Screens& LinuxMachine::screens() {
+    return services_->screens;
+}
+OverlayPanel& LinuxMachine::overlayPanel() {
+    return *services_->overlayPanel;
+}
+NotificationCenter& LinuxMachine::notifications() {
+    return services_->notifications;
+}
+Sounds& LinuxMachine::sounds() {
+    return services_->sounds;
+}
+Haptics& LinuxMachine::haptics() {
+    return services_->haptics;
+}
+WidgetCenter& LinuxMachine::widgets() {
+    return services_->widgets;
+}
+Workspace& LinuxMachine::workspace() {
+    return services_->workspace;
+}
+Windows& LinuxMachine::windows() {
+    return *services_->windows;
+}
+LoginService& LinuxMachine::login() {
+    return services_->login;
+}
+UpdateService& LinuxMachine::updates() {
+    return services_->updates;
+}
+
+} // namespace kivo

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/Machine.h"
+
+#include <memory>
+
+namespace kivo {
+
+// This computer. Needs a QGuiApplication; nothing runs before Qt's event loop does.
+class LinuxMachine final : public Machine {
+public:
+    LinuxMachine();
+    ~LinuxMachine() override;
+
+    // What is shown on a screen comes from above: whoever builds the views hands it in before anything asks
+    // for it, and keeps it longer than its last user. Until then there is a panel and there are windows that
+    // never show.
+    void provide(OverlayPanel& overlayPanel);
+    void provide(Windows& windows);
+
+    MainLoop& loop() override;
+    LogSink& log() override;
+
+    PowerSources& powerSources() override;
+    AccessorySources& accessorySources() override;
+    DeviceRegistry& registry() override;
+    PowerState& powerState() override;
+    ProcessRunner& processRunner() override;
+    MobileDeviceLibrary& mobileDevices() override;
+
+    UserDefaults& standardDefaults() override;
+    UserDefaults* groupDefaults() override;
+    SupportFiles& supportFiles() override;
+
+    Processes& processes() override;
+    RunningApplications& applications() override;
+    Accessibility& accessibility() override;
+
+    Screens& screens() override;
+    OverlayPanel& overlayPanel() override;
+    NotificationCenter& notifications() override;
+    Sounds& sounds() override;
+    Haptics& haptics() override;
+    WidgetCenter& widgets() override;
+
+    Workspace& workspace() override;
+    Windows& windows() override;
+    LoginService& login() override;
+    UpdateService& updates() override;
+
+private:
+    struct Services;
+    std::unique_ptr<Services> services_;
+};
+
+} // namespace kivo
