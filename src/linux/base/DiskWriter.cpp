@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "linux/base/DiskWriter.h"
+
+#include "linux/base/WholeFile.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kivo {
+
+DiskWriter::~DiskWriter() {
+    flush();
+    if (thread_.joinable())
+        thread_.join();
+}
+
+void DiskWriter::write(std::string path, std::string text, Done done, KeepsOld keepsOld) {
+    const std::lock_guard lock(mutex_);
+    auto job = std::find_if(jobs_.begin(), jobs_.end(), [&](const Job& it) { return it.path == path; });
+    if (job == jobs_.end()) {
+        jobs_.push_back({std::move(path), {}, nullptr, {}});
+        job = std::prev(jobs_.end());
+    }
+    job->text = std::move(text);
+    if (keepsOld)
+        job->keepsOld = std::move(keepsOld);
+    if (done)
+        job->done.push_back(std::move(done));
+    if (isRunning_)
+        return;
+    // The thread before this one has found nothing left and is at its end.
+    if (thread_.joinable())
+        thread_.join();
+    isRunning_ = true;
+    thread_ = std::thread([this] { run(); });
+}
+
+std::optional<std::string> DiskWriter::writeAndWait(std::string path, std::string text) {
+    struct Outcome {
+        bool isKnown = false;
+        std::optional<std::string> error;
+    };
+    Outcome outcome;
+    write(std::move(path), std::move(text), [&](const std::optional<std::string>& error) {
+        const std::lock_guard lock(mutex_);
+        outcome = {true, error};
+        finished_.notify_all();
+    });
+    std::unique_lock lock(mutex_);
+    finished_.wait(lock, [&] { return outcome.isKnown; });
+    return outcome.error;
+}
+
+void DiskWriter::flush() {
+    std::unique_lock lock(mutex_);
+    finished_.wait(lock, [this] { return !isRunning_; });
+}
+
+void DiskWriter::run() {
+    std::unique_lock lock(mutex_);
+    while (!jobs_.empty()) {
+        const Job job = std::move(jobs_.front());
+        jobs_.pop_front();
+        lock.unlock();
+        perform(job);
+        lock.lock();
+    }
+    isRunning_ = false;
+    finished_.notify_all();
+}
+
+void DiskWriter::perform(const Job& job) {
+    if (cleaned_.insert(job.path).second)
+        removeLeftovers(job.path);
+    std::optional<std::string> error;
+    if (job.keepsOld && *job.keepsOld) {
+        error = moveFileAside(job.path);
+        *job.keepsOld = error.has_value();
+    }
+    if (!error)
+        error = replaceWholeFile(job.path, job.text);
+    for (const auto& done : job.done)
+        done(error);
+}
+
+} // namespace kivo

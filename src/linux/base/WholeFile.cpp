@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+#include "linux/base/WholeFile.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace kivo {
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int value = -1) : value_(value) {}
+    Descriptor(Descriptor&& other) noexcept : value_(std::exchange(other.value_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(value_, other.value_);
+        return *this;
+    }
+    ~Descriptor() {
+        if (value_ >= 0)
+            close(value_);
+    }
+    int get() const { return value_; }
+    explicit operator bool() const { return value_ >= 0; }
+
+private:
+    int value_;
+};
+
+std::string failure(const std::string& path) {
+    return path + ": " + std::strerror(errno);
+}
+
+std::string folderOf(const std::string& path) {
+    const auto slash = path.rfind('/');
+    return slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string nameOf(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+// Where the path leads when it is a symbolic link.
+std::string followed(const std::string& path) {
+    char target[PATH_MAX];
+    struct stat status {};
+    if (lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && realpath(path.c_str(), target))
+        return target;
+    return path;
+}
+
+bool makeFolders(const std::string& folder) {
+    if (mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST)
+        return true;
+    if (errno != ENOENT || folder == "/" || folder == ".")
+        return false;
+    return makeFolders(folderOf(folder)) && (mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST);
+}
+
+// A temporary file's name is ".NAME.XXXXXX.part". Whoever writes one holds its lock, so that others can tell
+// a leftover from a file that is being written.
+constexpr std::string_view temporaryEnd = ".part";
+
+struct Temporary {
+    Descriptor file;
+    std::string path;
+};
+
+Temporary makeTemporary(const std::string& path) {
+    std::string name = folderOf(path) + "/." + nameOf(path) + ".XXXXXX" + std::string(temporaryEnd);
+    Temporary result;
+    result.file = Descriptor(mkostemps(name.data(), static_cast<int>(temporaryEnd.size()), O_CLOEXEC));
+    if (result.file)
+        flock(result.file.get(), LOCK_EX | LOCK_NB);
+    result.path = std::move(name);
+    return result;
+}
+
+bool writeAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = ::write(file, text.data(), text.size());
+        if (count < 0 && errno != EINTR)
+            return false;
+        if (count > 0)
+            text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+bool syncFolder(const std::string& folder) {
+    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems cannot sync a folder; there the rename is as safe as it gets.
+    return descriptor && (fsync(descriptor.get()) == 0 || errno == EINVAL || errno == ENOTSUP);
+}
+
+} // namespace
+
+FileText readWholeFile(const std::string& path) {
+    // Without O_NONBLOCK a pipe in the file's place would hold the process.
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file) {
+        const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+        return {isMissing ? FileText::State::missing : FileText::State::unreadable, {}, failure(path)};
+    }
+    struct stat status {};
+    if (fstat(file.get(), &status) != 0)
+        return {FileText::State::unreadable, {}, failure(path)};
+    if (!S_ISREG(status.st_mode))
+        return {FileText::State::unreadable, {}, path + ": not a file"};
+    FileText result{FileText::State::read, {}, {}};
+    char buffer[16384];
+    while (true) {
+        const ssize_t count = ::read(file.get(), buffer, sizeof buffer);
+        if (count == 0)
+            return result;
+        if (count > 0)
+            result.text.append(buffer, static_cast<std::size_t>(count));
+        else if (errno != EINTR)
+            return {FileText::State::unreadable, {}, failure(path)};
+    }
+}
+
+std::optional<std::string> replaceWholeFile(const std::string& path, std::string_view text) {
+    const std::string target = followed(path);
+    const std::string folder = folderOf(target);
+    if (!makeFolders(folder))
+        return failure(folder);
+    // Somebody who takes the fresh file for a leftover can remove it before it is locked: then once more.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        const Temporary temporary = makeTemporary(target);
+        if (!temporary.file)
+            return failure(folder);
+        if (writeAll(temporary.file.get(), text) && fsync(temporary.file.get()) == 0 &&
+            rename(temporary.path.c_str(), target.c_str()) == 0)
+            return syncFolder(folder) ? std::nullopt : std::optional(failure(folder));
+        const int error = errno;
+        unlink(temporary.path.c_str());
+        errno = error;
+        if (error != ENOENT)
+            break;
+    }
+    return failure(target);
+}
+
+std::optional<std::string> moveFileAside(const std::string& path) {
+    const std::string source = followed(path);
+    for (int number = 1; number < 1000; ++number) {
+        const std::string aside =
+            source + ".unreadable" + (number == 1 ? std::string() : "." + std::to_string(number));
+        if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0)
+            return std::nullopt;
+        if (errno == EINVAL || errno == ENOSYS) {
+            // A file system without that operation.
+            if (access(aside.c_str(), F_OK) == 0)
+                continue;
+            if (rename(source.c_str(), aside.c_str()) == 0)
+                return std::nullopt;
+        }
+        if (errno == ENOENT)
+            return std::nullopt;
+        if (errno != EEXIST)
+            break;
+    }
+    return failure(source);
+}
+
+void removeLeftovers(const std::string& path) {
+    const std::string target = followed(path);
+    const std::string folder = folderOf(target);
+    const std::string start = "." + nameOf(target) + ".";
+    DIR* entries = opendir(folder.c_str());
+    if (!entries)
+        return;
+    while (const dirent* entry = readdir(entries)) {
+        const std::string_view name = entry->d_name;
+        if (name.size() != start.size() + 6 + temporaryEnd.size() || !name.starts_with(start) ||
+            !name.ends_with(temporaryEnd))
+            continue;
+        const std::string leftover = folder + "/" + std::string(name);
+        const Descriptor file(open(leftover.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+        if (file && flock(file.get(), LOCK_EX | LOCK_NB) == 0)
+            unlink(leftover.c_str());
+    }
+    closedir(entries);
+}
+
+} // namespace kivo
