@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "linux/base/Folders.h"
+#include "support/Log.h"
+
+#include <string>
+
+namespace kivo {
+
+// Log lines for the journal, with fields of their own (KIVO_CATEGORY beside the usual ones), when standard
+// error is the journal; otherwise readable lines on standard error ("kivo coordinator error: …"). Lines of
+// level debug are dropped unless KIVO_LOG is "debug". A line that cannot be delivered is lost.
+class JournalLog final : public LogSink {
+public:
+    struct Places {
+        int standardError = 2;
+        std::string journalSocket = "/run/systemd/journal/socket";
+    };
+    explicit JournalLog(const EnvironmentLookup& environment = environmentVariable)
+        : JournalLog(environment, Places()) {}
+    JournalLog(const EnvironmentLookup& environment, const Places& places);
+    ~JournalLog() override;
+    JournalLog(const JournalLog&) = delete;
+    JournalLog& operator=(const JournalLog&) = delete;
+
+    void log(LogLevel level, std::string_view category, std::string_view message) override;
+
+private:
+    bool sendToJournal(LogLevel level, std::string_view category, std::string_view message) const;
+
+    int standardError_;
+    int journal_ = -1;
+    bool showsDebug_;
+};
+
+} // namespace kivo
