@@ -9,13 +9,16 @@
 #include "linux/base/AbsentMobileDevices.h"
 #include "linux/base/AbsentProcesses.h"
 #include "linux/base/AbsentUpdateService.h"
+#include "linux/base/FileUserDefaults.h"
+#include "linux/base/JournalLog.h"
+#include "linux/base/LinuxSupportFiles.h"
 
 namespace kivo {
 
 // In the order of their dependencies: each may use those above it.
 struct LinuxMachine::Services {
     QtLoop loop;
-    StandardErrorLog log;
+    JournalLog log;
 
     AbsentPowerSources powerSources;
     AbsentAccessorySources accessorySources;
@@ -24,9 +27,11 @@ struct LinuxMachine::Services {
     AbsentProcessRunner processRunner;
     AbsentMobileDevices mobileDevices;
 
-    MemoryDefaults standardDefaults;
-    MemoryDefaults groupDefaults;
-    AbsentSupportFiles supportFiles;
+    DiskWriter writer;
+    Folders folders = Folders::find();
+    FileUserDefaults standardDefaults{folders.configuration + "/settings.json", writer, log};
+    FileUserDefaults groupDefaults{folders.data + "/widgets.json", writer, log};
+    LinuxSupportFiles supportFiles{folders.data, writer, loop};
 
     AbsentProcesses processes;
     AbsentRunningApplications applications;

@@ -10,15 +10,9 @@
 #include "platform/ProcessRunner.h"
 #include "platform/Screens.h"
 #include "platform/Sounds.h"
-#include "platform/SupportFiles.h"
-#include "platform/UserDefaults.h"
 #include "platform/WidgetCenter.h"
 #include "platform/Windows.h"
 #include "platform/Workspace.h"
-#include "support/Log.h"
-
-#include <cstdio>
-#include <map>
 
 namespace kivo {
 
@@ -71,30 +65,6 @@ public:
     void add(NotificationRequest, std::function<void(std::optional<std::string>)>) override {}
 };
 
-class MemoryDefaults final : public UserDefaults {
-public:
-    std::optional<PropertyValue> value(std::string_view key) override {
-        const auto it = values_.find(key);
-        return it == values_.end() ? std::nullopt : std::optional(it->second);
-    }
-    void set(std::string_view key, PropertyValue value) override {
-        values_.insert_or_assign(std::string(key), std::move(value));
-    }
-    void remove(std::string_view key) override { values_.erase(std::string(key)); }
-
-private:
-    std::map<std::string, PropertyValue, std::less<>> values_;
-};
-
-class AbsentSupportFiles final : public SupportFiles {
-public:
-    std::optional<std::string> read(std::string_view) override { return std::nullopt; }
-    bool keepAside(std::string_view) override { return false; }
-    std::optional<std::string> write(std::string_view, const std::string&) override { return "no files"; }
-    void writeInBackground(std::string_view, std::string,
-                           std::function<void(std::optional<std::string>)>) override {}
-};
-
 class AbsentSounds final : public Sounds {
 public:
     NamedSound* named(std::string_view) override { return nullptr; }
@@ -124,16 +94,6 @@ public:
     std::optional<std::string> computerName() override { return std::nullopt; }
     std::optional<std::string> environment(std::string_view) override { return std::nullopt; }
     bool reduceMotion() override { return false; }
-};
-
-class StandardErrorLog final : public LogSink {
-public:
-    void log(LogLevel level, std::string_view category, std::string_view message) override {
-        const auto levelName = name(level);
-        std::fprintf(stderr, "%.*s %.*s: %.*s\n", static_cast<int>(levelName.size()), levelName.data(),
-                     static_cast<int>(category.size()), category.data(), static_cast<int>(message.size()),
-                     message.data());
-    }
 };
 
 } // namespace kivo
