@@ -15,8 +15,8 @@ namespace kivo {
 struct IslandContent {
     // A small ring with the computer's level.
     struct Battery {
-        std::int64_t level = 0;
-        bool isCharging = false;
+        std::int64_t level; // percent
+        bool isCharging;
         bool operator==(const Battery&) const = default;
     };
     // A symbol by name, for devices.
