@@ -35,13 +35,15 @@ void addCorner(Path& path, const Corner& corner, double radius, double room) {
     const double given = std::numbers::pi / 4 * std::max(reach / radius - 1, 0.0);
     const double arcBack = radius * (1 - std::sin(given));
     const double arcAlong = radius * (1 - std::cos(given));
-    const double knee = arcBack + radius * std::tan(given / 2) * std::cos(given);
-    const double third = (reach - knee) / 3;
+    const double tangent = std::tan(given / 2);
+    const double knee = arcBack + radius * tangent * std::cos(given);
     const bool isSmooth = given > 1e-9;
+    // So far before the knee, the curve meets the arc with the arc's own curvature.
+    const double eased = isSmooth ? knee + 1.5 * radius * tangent * tangent / std::sin(given) : knee;
 
     path.line(corner.at(reach, 0));
     if (isSmooth)
-        path.cubic(corner.at(reach - 2 * third, 0), corner.at(knee, 0), corner.at(arcBack, arcAlong));
+        path.cubic(corner.at(eased, 0), corner.at(knee, 0), corner.at(arcBack, arcAlong));
     const auto onArc = [&](double angle, double outward) {
         const double s = std::sin(angle), c = std::cos(angle);
         return corner.at(radius * (1 - s - outward * c), radius * (1 - c + outward * s));
@@ -51,14 +53,15 @@ void addCorner(Path& path, const Corner& corner, double radius, double room) {
     path.cubic(onArc(given, handle), onArc(middle, -handle), onArc(middle, 0));
     path.cubic(onArc(middle, handle), onArc(2 * middle - given, -handle), corner.at(arcAlong, arcBack));
     if (isSmooth)
-        path.cubic(corner.at(0, knee), corner.at(0, reach - 2 * third), corner.at(0, reach));
+        path.cubic(corner.at(0, knee), corner.at(0, eased), corner.at(0, reach));
 }
 
 } // namespace
 
 double clampedRadius(double wanted, Size size) {
-    const double radius = std::min(std::min(wanted, size.height / 2), size.width / 2);
-    return radius >= 0 ? radius : 0;
+    if (std::isnan(wanted) || std::isnan(size.width) || std::isnan(size.height))
+        return 0;
+    return std::max(std::min({wanted, size.height / 2, size.width / 2}), 0.0);
 }
 
 IslandShape IslandShape::clamped(Size size) const {

@@ -31,7 +31,7 @@ public:
     void cubic(Point control1, Point control2, Point to);
     // The circular arc with `radius` that touches the line from the pen to `corner` and the line from there
     // to `next`, and the line to its beginning. Without room for an arc (no radius, no angle): a line to
-    // `corner`. The points are circular within a millionth of the radius.
+    // `corner`. The points are circular within 0.000005 of the radius.
     void arc(Point corner, Point next, double radius);
     void close();
     void add(const Path& other);
