@@ -33,8 +33,10 @@ AppCoordinator::AppCoordinator(Machine& machine, SettingsStore& settings)
     : machine_(machine),
       monitor_(machine.loop(), machine.powerSources(), machine.registry(), machine.powerState(),
                machine.processRunner()),
+      dismisser_(machine.loop(), machine.accessibility(), machine.workspace(), machine.log()),
       settings_(settings),
       notifier_(machine.loop(), machine.notifications(), machine.workspace(), machine.log()),
+      loginItem_(machine.login(), machine.log()),
       overlay_(machine.loop(), machine.screens(), machine.overlayPanel()),
       sounds_(machine.sounds()),
       logger_(machine.log(), "coordinator") {}
@@ -45,6 +47,7 @@ void AppCoordinator::start() {
         lifetime_.guard([this](const std::optional<BatterySnapshot>& previous, const BatterySnapshot& current) {
             handleBattery(previous, current);
         });
+    updater_.emplace(machine_.updates());
     monitor_.start();
     machine_.loop().post(lifetime_.guard([this] { notifier_.requestAuthorization(); }));
 }
@@ -64,7 +67,21 @@ void AppCoordinator::handlePresented(const IslandContent& content) {
 void AppCoordinator::handleBattery(const std::optional<BatterySnapshot>& previous,
                                    const BatterySnapshot& current) {
     deliver(AlertEngine::evaluateMac(previous, current, settings_.value().rules));
+    updateDismisser();
     publish();
+}
+
+void AppCoordinator::updateDismisser() {
+    dismisser_.update(settings_.value().dismissesSystemAlerts, monitor_.snapshot().get());
+}
+
+void AppCoordinator::setDismissesSystemAlerts(bool isEnabled) {
+    AlertSettings settings = settings_.value();
+    settings.dismissesSystemAlerts = isEnabled;
+    settings_.setValue(std::move(settings));
+    if (isEnabled && !dismisser_.isTrusted().get())
+        dismisser_.requestTrust();
+    updateDismisser();
 }
 
 void AppCoordinator::deliver(std::vector<FiredAlert> alerts) {

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/LoginItem.h"
+#include "app/Updater.h"
 #include "battery/BatteryMonitor.h"
 #include "core/AlertEngine.h"
 #include "core/SettingsStore.h"
 #include "devices/PowerDevice.h"
+#include "dismisser/SystemAlertDismisser.h"
 #include "output/Notifier.h"
 #include "output/SoundPlayer.h"
 #include "overlay/OverlayPresenter.h"
@@ -34,10 +37,16 @@ public:
     // Shows what the rule's alert looks like now, on a sample where its subject is not there. An island shows
     // whatever the settings say; the sound and the notification follow the settings and the rule.
     void test(const AlertRule& rule);
+    // Turns closing the system's own low-battery pop-up on or off; asks for the permission it needs.
+    void setDismissesSystemAlerts(bool isEnabled);
 
     // State out
     SettingsStore& settings() { return settings_; }
     BatteryMonitor& monitor() { return monitor_; }
+    SystemAlertDismisser& dismisser() { return dismisser_; }
+    // A null pointer before `start`.
+    Updater* updater() { return updater_ ? &*updater_ : nullptr; }
+    LoginItem& loginItem() { return loginItem_; }
     Notifier& notifier() { return notifier_; }
     OverlayPresenter& overlay() { return overlay_; }
     SoundPlayer& sounds() { return sounds_; }
@@ -53,13 +62,17 @@ private:
     void handleBattery(const std::optional<BatterySnapshot>& previous, const BatterySnapshot& current);
     void deliver(std::vector<FiredAlert> alerts);
     void notify(const FiredAlert& alert, const IslandContent& content);
+    void updateDismisser();
     void publish();
     AlertSubject sampleSubject(const AlertTrigger& trigger);
 
     Machine& machine_;
     BatteryMonitor monitor_;
+    SystemAlertDismisser dismisser_;
+    std::optional<Updater> updater_;
     SettingsStore& settings_;
     Notifier notifier_;
+    LoginItem loginItem_;
     OverlayPresenter overlay_;
     SoundPlayer sounds_;
     Logger logger_;
