@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// kivo-sim FILE: runs the whole system on a machine made of data, in virtual time, and prints what it did to
+// the outside world. FILE "-" is standard input.
+#include "scenario/Scenario.h"
+
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <string>
+
+namespace {
+
+constexpr int unreadable = 2;
+
+std::optional<std::string> readAll(const std::string& path) {
+    if (path == "-")
+        return std::string(std::istreambuf_iterator<char>(std::cin), {});
+    std::ifstream file(path, std::ios::binary);
+    std::string text(std::istreambuf_iterator<char>(file), {});
+    return file ? std::optional(std::move(text)) : std::nullopt;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fputs("usage: kivo-sim FILE (or - for standard input)\n", stderr);
+        return unreadable;
+    }
+    const auto text = readAll(argv[1]);
+    if (!text) {
+        std::fprintf(stderr, "kivo-sim: cannot read %s\n", argv[1]);
+        return unreadable;
+    }
+    try {
+        const auto lines = kivo::Scenario::read(*text).play();
+        for (const std::string& line : lines) {
+            std::fwrite(line.data(), 1, line.size(), stdout);
+            std::fputc('\n', stdout);
+        }
+    } catch (const kivo::ScenarioError& error) {
+        std::fprintf(stderr, "kivo-sim: %s\n", error.what());
+        return unreadable;
+    }
+    return std::fflush(stdout) == 0 ? 0 : 1;
+}

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "platform/PowerState.h"
+#include "platform/UserDefaults.h"
+#include "scenario/Records.h"
+#include "scenario/ScenarioRun.h"
+#include "scenario/ViewTable.h"
+
+namespace kivo {
+namespace {
+
+void addBattery(Dictionary& state, ScenarioRun& run, AppCoordinator& coordinator) {
+    const auto& snapshot = coordinator.monitor().snapshot().get();
+    state["snapshot"] = record(snapshot);
+    state["health"] = record(coordinator.monitor().health().get());
+    state["statusText"] = snapshot ? PropertyValue(statusText(*snapshot)) : PropertyValue();
+    state["condition"] = coordinator.monitor().condition().get();
+    state["lowPower"] = run.machine().powerState().isLowPowerModeEnabled();
+}
+
+void addAlerts(Dictionary& state, ScenarioRun& run, AppCoordinator& coordinator) {
+    state["settings"] = encode(coordinator.settings().value());
+    state["chargeTarget"] = coordinator.chargeTarget();
+    state["macName"] = coordinator.macName();
+    state["isAuthorized"] = coordinator.notifier().isAuthorized().get();
+    Array queue;
+    for (const IslandContent& waiting : coordinator.overlay().queue())
+        queue.push_back(waiting.subjectID);
+    state["queue"] = std::move(queue);
+    const auto tab = run.machine().standardDefaults().value("settingsTab");
+    state["settingsTab"] = tab && tab->string() ? *tab : PropertyValue("alerts");
+}
+
+} // namespace
+
+void addStateView(ViewTable& views) {
+    views.addPlain("state", [](ScenarioRun& run) {
+        Dictionary state;
+        AppCoordinator& coordinator = *run.coordinator();
+        addBattery(state, run, coordinator);
+        addAlerts(state, run, coordinator);
+        return PropertyValue(std::move(state));
+    });
+}
+
+} // namespace kivo
