@@ -30,6 +30,18 @@ void addAlerts(Dictionary& state, ScenarioRun& run, AppCoordinator& coordinator)
     state["settingsTab"] = tab && tab->string() ? *tab : PropertyValue("alerts");
 }
 
+void addPermissions(Dictionary& state, AppCoordinator& coordinator) {
+    auto& dismisser = coordinator.dismisser();
+    state["isTrusted"] = dismisser.isTrusted().get();
+    state["dismissedCount"] = dismisser.dismissedCount().get();
+    state["isWatching"] = dismisser.isWatching();
+    state["login"] = Dictionary{{"isEnabled", coordinator.loginItem().isEnabled().get()},
+                                {"errorMessage", coordinator.loginItem().errorMessage().get()}};
+    auto* updater = coordinator.updater();
+    state["canCheckForUpdates"] =
+        updater ? PropertyValue(updater->canCheckForUpdates().get()) : PropertyValue();
+}
+
 } // namespace
 
 void addStateView(ViewTable& views) {
@@ -38,6 +50,7 @@ void addStateView(ViewTable& views) {
         AppCoordinator& coordinator = *run.coordinator();
         addBattery(state, run, coordinator);
         addAlerts(state, run, coordinator);
+        addPermissions(state, coordinator);
         return PropertyValue(std::move(state));
     });
 }

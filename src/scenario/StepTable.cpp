@@ -25,6 +25,7 @@ const StepTable& allSteps() {
         addDeviceSteps(steps);
         addSettingsSteps(steps);
         addOutputSteps(steps);
+        addPermissionSteps(steps);
         addPrintStep(steps);
         return steps;
     }();

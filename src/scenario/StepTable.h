@@ -40,6 +40,7 @@ void addLifeSteps(StepTable& steps);
 void addDeviceSteps(StepTable& steps);
 void addSettingsSteps(StepTable& steps);
 void addOutputSteps(StepTable& steps);
+void addPermissionSteps(StepTable& steps);
 void addPrintStep(StepTable& steps);
 
 // Every step that there is.
