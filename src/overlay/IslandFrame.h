@@ -53,10 +53,11 @@ struct IslandFrame {
     Color tint;              // of the ring and the shadow
 
     IslandShape body;         // radii as drawn
-    double bodyOpacity = 0;   // of the black body and the ring, 0…1
+    double bodyOpacity = 0;   // of the black body, 0…1
     double shadowOpacity = 0; // of the tint, final: not to be multiplied with the body's
     static constexpr double shadowRadius = 22;
 
+    double ringOpacity = 0; // of the ring's layers together, 0…1
     IslandRing ring;
     Rect ringFrame;
     double ringProgress = 0; // the ring trimmed from 0 to this
