@@ -33,6 +33,8 @@ AppCoordinator::AppCoordinator(Machine& machine, SettingsStore& settings)
     : machine_(machine),
       monitor_(machine.loop(), machine.powerSources(), machine.registry(), machine.powerState(),
                machine.processRunner()),
+      devices_(machine.loop(), machine.accessorySources(), machine.registry(), machine.mobileDevices(),
+               machine.standardDefaults(), machine.log()),
       dismisser_(machine.loop(), machine.accessibility(), machine.workspace(), machine.log()),
       settings_(settings),
       notifier_(machine.loop(), machine.notifications(), machine.workspace(), machine.log()),
@@ -47,14 +49,19 @@ void AppCoordinator::start() {
         lifetime_.guard([this](const std::optional<BatterySnapshot>& previous, const BatterySnapshot& current) {
             handleBattery(previous, current);
         });
+    devices_.onChange =
+        lifetime_.guard([this](const std::optional<std::vector<PowerDevice>>& previous,
+                               const std::vector<PowerDevice>& current) { handleDevices(previous, current); });
     updater_.emplace(machine_.updates());
     monitor_.start();
+    devices_.start();
     machine_.loop().post(lifetime_.guard([this] { notifier_.requestAuthorization(); }));
 }
 
 void AppCoordinator::menuWillOpen() {
     monitor_.refresh();
     monitor_.refreshConditionIfNeeded();
+    devices_.refresh();
 }
 
 void AppCoordinator::handlePresented(const IslandContent& content) {
@@ -68,6 +75,12 @@ void AppCoordinator::handleBattery(const std::optional<BatterySnapshot>& previou
                                    const BatterySnapshot& current) {
     deliver(AlertEngine::evaluateMac(previous, current, settings_.value().rules));
     updateDismisser();
+    publish();
+}
+
+void AppCoordinator::handleDevices(const std::optional<std::vector<PowerDevice>>& previous,
+                                   const std::vector<PowerDevice>& current) {
+    deliver(AlertEngine::evaluateDevices(previous, current, settings_.value().rules));
     publish();
 }
 
@@ -128,12 +141,15 @@ void AppCoordinator::test(const AlertRule& rule) {
 AlertSubject AppCoordinator::sampleSubject(const AlertTrigger& trigger) {
     using Kind = AlertTrigger::Kind;
     using Source = BatterySnapshot::PowerSource;
-    const auto sampleDevice = [&](std::int64_t level, bool isCharging) {
-        return PowerDevice{.id = "preview",
-                           .name = "AirPods Pro",
-                           .category = PowerDevice::Category::airpodsPro,
-                           .level = level,
-                           .isCharging = isCharging};
+    const auto& devices = devices_.devices().get();
+    const auto sampleDevice = [&devices](std::int64_t level, bool isCharging) {
+        PowerDevice device{
+            .id = "preview", .name = "AirPods Pro", .category = PowerDevice::Category::airpodsPro};
+        if (!devices.empty())
+            device = devices.front();
+        device.level = level;
+        device.isCharging = isCharging;
+        return device;
     };
     const auto current = monitor_.snapshot().get().value_or(
         BatterySnapshot{.level = 64, .source = Source::battery, .minutesToEmpty = 200});
@@ -170,7 +186,7 @@ AlertSubject AppCoordinator::sampleSubject(const AlertTrigger& trigger) {
     case Kind::deviceConnected:
         break;
     }
-    return sampleDevice(82, false);
+    return devices.empty() ? sampleDevice(82, false) : devices.front();
 }
 
 const std::string& AppCoordinator::macName() {
@@ -188,6 +204,8 @@ std::vector<PowerDevice> AppCoordinator::allDevices() {
                            .level = snapshot->level,
                            .isCharging = snapshot->isCharging});
     }
+    const auto& others = devices_.devices().get();
+    devices.insert(devices.end(), others.begin(), others.end());
     return devices;
 }
 

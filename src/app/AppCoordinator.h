@@ -6,7 +6,7 @@
 #include "battery/BatteryMonitor.h"
 #include "core/AlertEngine.h"
 #include "core/SettingsStore.h"
-#include "devices/PowerDevice.h"
+#include "devices/DeviceMonitor.h"
 #include "dismisser/SystemAlertDismisser.h"
 #include "output/Notifier.h"
 #include "output/SoundPlayer.h"
@@ -43,6 +43,7 @@ public:
     // State out
     SettingsStore& settings() { return settings_; }
     BatteryMonitor& monitor() { return monitor_; }
+    DeviceMonitor& devices() { return devices_; }
     SystemAlertDismisser& dismisser() { return dismisser_; }
     // A null pointer before `start`.
     Updater* updater() { return updater_ ? &*updater_ : nullptr; }
@@ -60,6 +61,8 @@ public:
 private:
     void handlePresented(const IslandContent& content);
     void handleBattery(const std::optional<BatterySnapshot>& previous, const BatterySnapshot& current);
+    void handleDevices(const std::optional<std::vector<PowerDevice>>& previous,
+                       const std::vector<PowerDevice>& current);
     void deliver(std::vector<FiredAlert> alerts);
     void notify(const FiredAlert& alert, const IslandContent& content);
     void updateDismisser();
@@ -68,6 +71,7 @@ private:
 
     Machine& machine_;
     BatteryMonitor monitor_;
+    DeviceMonitor devices_;
     SystemAlertDismisser dismisser_;
     std::optional<Updater> updater_;
     SettingsStore& settings_;

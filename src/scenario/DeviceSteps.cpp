@@ -30,12 +30,25 @@ StepTable::Action readMessage(const PropertyValue& value) {
     };
 }
 
+StepTable::Action readForget(const PropertyValue& value) {
+    return [id = reading::string(value, "forget")](ScenarioRun& run) {
+        auto* coordinator = run.coordinator();
+        if (!coordinator)
+            return;
+        auto& phones = coordinator->devices().ios();
+        const auto& remembered = phones.remembered().get();
+        if (const auto found = remembered.find(id); found != remembered.end())
+            phones.forget(PowerDevice(found->second));
+    };
+}
+
 } // namespace
 
 void addDeviceSteps(StepTable& steps) {
     steps.add("attach", delivering("attach", connected));
     steps.add("detach", delivering("detach", disconnected));
     steps.add("message", readMessage);
+    steps.add("forget", readForget);
 }
 
 } // namespace kivo

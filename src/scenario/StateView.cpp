@@ -17,6 +17,16 @@ void addBattery(Dictionary& state, ScenarioRun& run, AppCoordinator& coordinator
     state["lowPower"] = run.machine().powerState().isLowPowerModeEnabled();
 }
 
+void addDevices(Dictionary& state, DeviceMonitor& monitor) {
+    state["devices"] = record(monitor.devices().get());
+    state["hasLoaded"] = monitor.hasLoaded().get();
+    state["live"] = record(monitor.ios().live().get());
+    Dictionary remembered;
+    for (const auto& [id, device] : monitor.ios().remembered().get())
+        remembered[id] = record(device);
+    state["remembered"] = std::move(remembered);
+}
+
 void addAlerts(Dictionary& state, ScenarioRun& run, AppCoordinator& coordinator) {
     state["settings"] = encode(coordinator.settings().value());
     state["chargeTarget"] = coordinator.chargeTarget();
@@ -49,6 +59,7 @@ void addStateView(ViewTable& views) {
         Dictionary state;
         AppCoordinator& coordinator = *run.coordinator();
         addBattery(state, run, coordinator);
+        addDevices(state, coordinator.devices());
         addAlerts(state, run, coordinator);
         addPermissions(state, coordinator);
         return PropertyValue(std::move(state));
