@@ -28,12 +28,6 @@ Duration clockTime(clockid_t clock) {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-Duration sharedWakeUp(Duration due) {
-    const Duration earliest = due - coarseAllowance;
-    const auto rest = earliest % coarseGrid;
-    return rest == Duration(0) ? earliest : earliest - rest + coarseGrid;
-}
-
 int createTimer() {
     const int descriptor = timerfd_create(CLOCK_BOOTTIME, TFD_NONBLOCK | TFD_CLOEXEC);
     if (descriptor < 0)
@@ -50,6 +44,12 @@ QtLoop::QtLoop() : timer_(createTimer()), notifier_(timer_, QSocketNotifier::Rea
 QtLoop::~QtLoop() {
     notifier_.setEnabled(false);
     close(timer_);
+}
+
+Duration QtLoop::sharedWakeUp(Duration due) {
+    const Duration earliest = due - coarseAllowance;
+    const auto rest = earliest % coarseGrid;
+    return rest == Duration(0) ? earliest : earliest - rest + coarseGrid;
 }
 
 Duration QtLoop::now() const {

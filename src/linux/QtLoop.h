@@ -24,10 +24,13 @@ public:
     Duration now() const override;
     Date date() const override;
     void post(std::function<void()> task) override;
-    // A coarse wait of ten seconds or more runs at the next multiple of five seconds of the waiting clock.
+    // Coarse waits of ten seconds or more run together, at `sharedWakeUp`.
     Subscription after(Duration delay, std::function<void()> task,
                        Precision precision = Precision::exact) override;
     void background(std::function<Continuation()> work) override;
+
+    // When a coarse wait due at `due` runs: at a multiple of five seconds, at most a quarter of a second early.
+    static Duration sharedWakeUp(Duration due);
 
 private:
     void runDue();

@@ -70,6 +70,23 @@ TEST(QtLoop, GoesOnInANestedEventLoop) {
     EXPECT_EQ(order, "(tp)");
 }
 
+// Two polls that set themselves again must keep their pace and come to share their wake-ups.
+TEST(QtLoop, CoarseWaitsShareWakeUps) {
+    const struct {
+        const char* label;
+        Duration due;
+        Duration expected;
+    } rows[] = {
+        {"on the grid", 60s, 60s},
+        {"set again a moment after its last run", 60s + 40ms, 60s},
+        {"as early as it may be", 60s + 250ms, 60s},
+        {"later than that", 60s + 251ms, 65s},
+        {"between", 62s, 65s},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(QtLoop::sharedWakeUp(row.due), row.expected) << row.label;
+}
+
 TEST(QtLoop, BackgroundWorkRunsElsewhereAndItsResultHere) {
     QtLoop loop;
     const auto here = std::this_thread::get_id();
