@@ -143,13 +143,14 @@ std::optional<double> wattsOf(const BatterySupply& battery) {
 }
 
 // Into the batteries positive, out of them negative; nothing where amount or direction is unknown. A battery
-// that neither charges nor discharges takes nothing.
-std::optional<double> signedWatts(const Batteries& batteries) {
+// that neither charges nor discharges takes nothing, and one that still says charging when the adapter is gone
+// tells nothing.
+std::optional<double> signedWatts(const Batteries& batteries, bool isOnAdapter) {
     std::optional<double> sum;
     for (const auto* battery : batteries) {
-        if (battery->state == SupplyState::unknown)
-            continue;
         const bool charges = battery->state == SupplyState::charging;
+        if (battery->state == SupplyState::unknown || (charges && !isOnAdapter))
+            continue;
         if (!charges && battery->state != SupplyState::discharging) {
             sum = sum.value_or(0);
         } else if (const auto watts = wattsOf(*battery)) {
@@ -220,7 +221,7 @@ std::optional<Dictionary> internalBatteryDescription(const Supplies& supplies, b
     return description;
 }
 
-std::optional<Dictionary> smartBatteryProperties(const Supplies& supplies) {
+std::optional<Dictionary> smartBatteryProperties(const Supplies& supplies, bool isOnAdapter) {
     const auto batteries = usableBatteries(supplies);
     if (batteries.empty())
         return std::nullopt;
@@ -239,7 +240,7 @@ std::optional<Dictionary> smartBatteryProperties(const Supplies& supplies) {
     const auto& volts = active(batteries).volts;
     if (volts) {
         properties["Voltage"] = std::llround(*volts * 1000);
-        if (const auto watts = signedWatts(batteries))
+        if (const auto watts = signedWatts(batteries, isOnAdapter))
             properties["InstantAmperage"] = std::llround(*watts / *volts * 1000);
     }
     return properties;

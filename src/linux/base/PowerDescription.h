@@ -20,6 +20,6 @@ std::optional<bool> runsOnAdapter(const Supplies& supplies);
 std::optional<Dictionary> internalBatteryDescription(const Supplies& supplies, bool isOnAdapter);
 
 // The registry properties of the service "AppleSmartBattery"; nothing without a battery.
-std::optional<Dictionary> smartBatteryProperties(const Supplies& supplies);
+std::optional<Dictionary> smartBatteryProperties(const Supplies& supplies, bool isOnAdapter);
 
 } // namespace kivo
