@@ -2,10 +2,39 @@
 #include "linux/Bus.h"
 
 #include <QDBusError>
+#include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 
 namespace kivo {
+namespace {
+
+PropertyValue valueFrom(const QVariant& variant) {
+    const QVariant value = unwrapped(variant);
+    switch (value.typeId()) {
+    case QMetaType::Bool:
+        return value.toBool();
+    case QMetaType::UChar:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+        return value.toLongLong();
+    case QMetaType::ULongLong:
+        return value.toULongLong();
+    case QMetaType::Double:
+        return value.toDouble();
+    case QMetaType::QString:
+        return value.toString().toStdString();
+    default:
+        if (value.metaType() == QMetaType::fromType<QDBusObjectPath>())
+            return value.value<QDBusObjectPath>().path().toStdString();
+        return nullptr;
+    }
+}
+
+} // namespace
 
 void callBus(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
              std::function<void(const QDBusMessage&)> done) {
@@ -41,6 +70,13 @@ QVariant unwrapped(QVariant value) {
     while (value.metaType() == QMetaType::fromType<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();
     return value;
+}
+
+Dictionary dictionaryFrom(const QVariantMap& map) {
+    Dictionary dictionary;
+    for (auto it = map.begin(); it != map.end(); ++it)
+        dictionary.emplace(it.key().toStdString(), valueFrom(it.value()));
+    return dictionary;
 }
 
 } // namespace kivo

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "support/PropertyValue.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
+#include <QVariantMap>
 
 #include <functional>
 
@@ -19,5 +22,8 @@ QDBusMessage busCall(const QString& method, const QVariantList& arguments);
 
 // What a value of type `v`, however deeply wrapped, holds.
 QVariant unwrapped(QVariant value);
+
+// A dictionary of type `a{sv}` without Qt. Values that are no boolean, number, text or path become null.
+Dictionary dictionaryFrom(const QVariantMap& map);
 
 } // namespace kivo
