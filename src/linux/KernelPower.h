@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "linux/base/Supplies.h"
+#include "support/MainLoop.h"
+#include "support/Observable.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace kivo {
+
+// The kernel's own power supplies, for what UPower does not tell and for machines without it. Always read off
+// the main thread.
+class KernelPower final {
+public:
+    explicit KernelPower(MainLoop& loop, std::string folder = "/sys/class/power_supply");
+    ~KernelPower();
+
+    // Nothing before the first reading.
+    const std::optional<Supplies>& supplies() const { return supplies_.get(); }
+    // Reads once; a call while a reading runs makes it read once more afterwards.
+    void read();
+    // While following it reads at each event of a power supply and, as not every driver sends events, every
+    // 30 s.
+    void follow(bool isFollowed);
+
+    // After each reading that found something else.
+    Subscription onChange(std::function<void()> listener) { return supplies_.onChange(std::move(listener)); }
+
+private:
+    struct Monitor;
+
+    void poll();
+    void changed();
+    void finished(Supplies supplies);
+
+    MainLoop& loop_;
+    std::string folder_;
+    Observable<std::optional<Supplies>> supplies_;
+    bool isReading_ = false;
+    bool mustReadAgain_ = false;
+    std::unique_ptr<Monitor> monitor_;
+    Subscription poll_;
+    Subscription settling_;
+    std::shared_ptr<KernelPower*> self_; // null once this is gone
+};
+
+} // namespace kivo
