@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "linux/LinuxMachine.h"
 
+#include "linux/LinuxDeviceRegistry.h"
+#include "linux/LinuxPowerSources.h"
+#include "linux/LinuxProcessRunner.h"
+#include "linux/PowerProfiles.h"
 #include "linux/QtLoop.h"
 #include "linux/base/AbsentAccessibility.h"
 #include "linux/base/AbsentAccessorySources.h"
@@ -20,11 +24,13 @@ struct LinuxMachine::Services {
     QtLoop loop;
     JournalLog log;
 
-    AbsentPowerSources powerSources;
+    UPower upower{loop, log, QDBusConnection::systemBus()};
+    KernelPower kernelPower{loop};
+    LinuxPowerSources powerSources{loop, upower, kernelPower};
     AbsentAccessorySources accessorySources;
-    AbsentRegistry registry;
-    AbsentPowerState powerState;
-    AbsentProcessRunner processRunner;
+    LinuxDeviceRegistry registry{powerSources};
+    PowerProfiles powerState{loop, QDBusConnection::systemBus()};
+    LinuxProcessRunner processRunner{loop, registry};
     AbsentMobileDevices mobileDevices;
 
     DiskWriter writer;

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/DeviceRegistry.h"
 #include "platform/Haptics.h"
 #include "platform/NotificationCenter.h"
 #include "platform/OverlayPanel.h"
-#include "platform/PowerSources.h"
-#include "platform/PowerState.h"
-#include "platform/ProcessRunner.h"
 #include "platform/Screens.h"
 #include "platform/Sounds.h"
 #include "platform/WidgetCenter.h"
@@ -29,32 +25,6 @@ class AbsentWindows final : public Windows {
 public:
     void open(std::string_view) override {}
     void close(std::string_view) override {}
-};
-
-class AbsentPowerSources final : public PowerSources {
-public:
-    std::optional<std::vector<PowerSourceDescription>> copyPowerSources() override { return std::nullopt; }
-    std::optional<Subscription> notifyPowerSourceChanges(std::function<void()>) override {
-        return std::nullopt;
-    }
-};
-
-class AbsentRegistry final : public DeviceRegistry {
-public:
-    std::optional<std::vector<std::optional<Dictionary>>> matchingServices(std::string_view) override {
-        return std::nullopt;
-    }
-};
-
-class AbsentPowerState final : public PowerState {
-public:
-    bool isLowPowerModeEnabled() override { return false; }
-    Subscription onPowerStateChange(std::function<void()>) override { return {}; }
-};
-
-class AbsentProcessRunner final : public ProcessRunner {
-public:
-    void run(std::string, std::vector<std::string>, std::function<void(std::optional<std::string>)>) override {}
 };
 
 class AbsentNotificationCenter final : public NotificationCenter {
