@@ -6,7 +6,10 @@
 namespace kivo {
 
 LaunchedApplication::LaunchedApplication(SimulatedMachine& machine)
-    : delegate(machine), islandEvents(machine, delegate.coordinator().overlay().model()) {}
+    : delegate(machine),
+      islandEvents(machine, delegate.coordinator().overlay().model()),
+      island(machine.loop(), delegate.coordinator().overlay().model(), machine.workspace()),
+      launchedAt(machine.loop().now()) {}
 
 ScenarioRun::ScenarioRun(MachineState machine) : machine_(std::move(machine)) {}
 

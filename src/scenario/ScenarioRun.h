@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "overlay/IslandChoreography.h"
 #include "scenario/IslandEvents.h"
 #include "simulated/SimulatedMachine.h"
 
@@ -16,6 +17,8 @@ struct LaunchedApplication {
 
     AppDelegate delegate;
     IslandEvents islandEvents;
+    IslandChoreography island;
+    Duration launchedAt;
 };
 
 // What steps act on and views look at: a machine, and the application while it runs.

@@ -18,6 +18,7 @@ const ViewTable& allViews() {
     static const ViewTable table = [] {
         ViewTable views;
         addStateView(views);
+        addIslandViews(views);
         return views;
     }();
     return table;

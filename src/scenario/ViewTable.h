@@ -32,6 +32,7 @@ private:
 };
 
 void addStateView(ViewTable& views);
+void addIslandViews(ViewTable& views);
 
 // Every view that there is.
 const ViewTable& allViews();
