@@ -70,7 +70,7 @@ std::optional<Header> takeHeader(Bytes& bytes) {
     const auto counts = {header.utcIndicators, header.standardIndicators,
                          header.leapSeconds,   header.times,
                          header.types,         header.names};
-    if (!bytes.isComplete() || header.types == 0 || std::ranges::max(counts) > largestFile)
+    if (!bytes.isComplete() || header.types == 0 || std::max(counts) > largestFile)
         return std::nullopt;
     return header;
 }
