@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "linux/QtLoop.h"
 
+#include <QCoreApplication>
+#include <QEvent>
+
 #include <algorithm>
 #include <cstdint>
 #include <ctime>
@@ -35,7 +38,22 @@ int createTimer() {
     return descriptor;
 }
 
+const QEvent::Type taskEventType = static_cast<QEvent::Type>(QEvent::registerEventType());
+
+// Moves its task all the way, so that no copy is left on the thread that posted it.
+struct TaskEvent final : QEvent {
+    explicit TaskEvent(std::function<void()> givenTask) : QEvent(taskEventType), task(std::move(givenTask)) {}
+    std::function<void()> task;
+};
+
 } // namespace
+
+bool QtLoop::Receiver::event(QEvent* event) {
+    if (event->type() != taskEventType)
+        return QObject::event(event);
+    static_cast<TaskEvent*>(event)->task();
+    return true;
+}
 
 QtLoop::QtLoop() : timer_(createTimer()), notifier_(timer_, QSocketNotifier::Read), workers_(workerLimit) {
     QObject::connect(&notifier_, &QSocketNotifier::activated, &receiver_, [this] { runDue(); });
@@ -61,7 +79,7 @@ Date QtLoop::date() const {
 }
 
 void QtLoop::post(std::function<void()> task) {
-    QMetaObject::invokeMethod(&receiver_, std::move(task), Qt::QueuedConnection);
+    QCoreApplication::postEvent(&receiver_, new TaskEvent(std::move(task)));
 }
 
 Subscription QtLoop::after(Duration delay, std::function<void()> task, Precision precision) {

@@ -36,7 +36,12 @@ private:
     void runDue();
     void arm();
 
-    QObject receiver_;
+    // Takes the posted tasks out of Qt's event queue.
+    class Receiver final : public QObject {
+        bool event(QEvent* event) override;
+    };
+
+    Receiver receiver_;
     TimerQueue timers_;
     std::optional<Duration> armed_;
     int timer_;
