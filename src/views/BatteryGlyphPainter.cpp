@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "views/BatteryGlyphPainter.h"
+
+#include "views/Convert.h"
+#include "views/Typeface.h"
+
+#include <QPainterPath>
+
+#include <algorithm>
+
+namespace kivo {
+
+namespace {
+
+// A font of a fractional size: laid out ten times as large and scaled down.
+constexpr int textScale = 10;
+
+struct Inside {
+    QString number;
+    QFont font;
+    QRectF numberBox; // of the digits themselves
+    QRectF boltBox;
+};
+
+// The number and the bolt stand as one group in the middle of the body.
+Inside layOut(const BatteryGlyph& glyph, const BatteryGlyphGeometry& g) {
+    Inside inside;
+    double numberWidth = 0;
+    double numberHeight = 0;
+    if (glyph.showsNumber) {
+        inside.number = QString::number(std::clamp<std::int64_t>(glyph.level, 0, 100));
+        inside.font = typeface(static_cast<int>(std::lround(g.numberSize * textScale)), QFont::Bold);
+        inside.font.setLetterSpacing(QFont::AbsoluteSpacing, g.numberTracking * textScale);
+        const QFontMetricsF metrics(inside.font);
+        numberWidth = metrics.horizontalAdvance(inside.number) / textScale - g.numberTracking;
+        numberHeight = metrics.capHeight() / textScale;
+    }
+    // The drawing of the bolt is narrow in its square; a third of the square is what the eye sees.
+    const double boltSide = glyph.isCharging ? g.boltSize * (glyph.showsNumber ? 0.8 : 1) : 0;
+    const double boltWidth = boltSide * 0.58;
+    const double total = numberWidth + boltWidth;
+    const double left = g.body.midX() - total / 2;
+    inside.numberBox = QRectF(left, g.body.midY() - numberHeight / 2, numberWidth, numberHeight);
+    inside.boltBox = QRectF(left + numberWidth + boltWidth / 2 - boltSide / 2, g.body.midY() - boltSide / 2,
+                            boltSide, boltSide);
+    return inside;
+}
+
+void paintInside(QPainter& painter, const Inside& inside, const QColor& ink, SymbolPainter& symbols) {
+    if (!inside.number.isEmpty()) {
+        painter.save();
+        painter.translate(inside.numberBox.bottomLeft());
+        painter.scale(1.0 / textScale, 1.0 / textScale);
+        painter.setFont(inside.font);
+        painter.setPen(ink);
+        painter.drawText(QPointF(0, 0), inside.number);
+        painter.restore();
+    }
+    if (!inside.boltBox.isEmpty())
+        symbols.paint(painter, "bolt.fill", inside.boltBox, ink);
+}
+
+} // namespace
+
+void paintBatteryGlyph(QPainter& painter, const BatteryGlyph& glyph, QPointF position, const QColor& primary,
+                       SymbolPainter& symbols) {
+    const BatteryGlyphGeometry g = geometry(glyph);
+    const QColor tint = glyph.tint ? toQColor(*glyph.tint) : primary;
+    QColor soft = tint;
+    soft.setAlphaF(0.55F * tint.alphaF());
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(position);
+
+    const QRectF outline =
+        toQRectF(g.body).adjusted(g.lineWidth / 2, g.lineWidth / 2, -g.lineWidth / 2, -g.lineWidth / 2);
+    painter.setPen(QPen(soft, g.lineWidth));
+    painter.drawRoundedRect(outline, g.bodyRadius - g.lineWidth / 2, g.bodyRadius - g.lineWidth / 2);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(soft);
+    // Only the outer corners of the tip are round.
+    QPainterPath tip;
+    const QRectF tipBox = toQRectF(g.tip);
+    tip.addRoundedRect(tipBox.adjusted(-tipBox.width(), 0, 0, 0), tipBox.width(), tipBox.width());
+    QPainterPath right;
+    right.addRect(tipBox);
+    painter.drawPath(tip & right);
+
+    const QRectF fill = toQRectF(g.fill);
+    // In a narrow fill the corners shrink with it rather than turn it into a lens.
+    const double radius = std::min({g.fillRadius, fill.width() / 2, fill.height() / 2});
+    painter.setBrush(tint);
+    if (!fill.isEmpty())
+        painter.drawRoundedRect(fill, radius, radius);
+
+    const Inside inside = layOut(glyph, g);
+    // Over the fill the ink is whatever stands out from it; beside it, the foreground.
+    const QColor onFill = luminance(tint) > 0.36 ? QColor(0, 0, 0, 225) : QColor(Qt::white);
+    painter.save();
+    painter.setClipRect(QRectF(0, 0, fill.isEmpty() ? 0 : fill.right(), g.size.height));
+    paintInside(painter, inside, onFill, symbols);
+    painter.restore();
+    painter.setClipRect(QRectF(fill.isEmpty() ? 0 : fill.right(), 0, g.size.width, g.size.height));
+    paintInside(painter, inside, primary, symbols);
+    painter.restore();
+}
+
+} // namespace kivo

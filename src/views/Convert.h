@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/Color.h"
+#include "support/Geometry.h"
+
+#include <QColor>
+#include <QRectF>
+#include <QString>
+
+#include <cmath>
+#include <string_view>
+
+// The system's values as Qt's.
+namespace kivo {
+
+inline QColor toQColor(Color color, double opacity = 1) {
+    QColor result(color.red, color.green, color.blue);
+    result.setAlphaF(static_cast<float>(opacity));
+    return result;
+}
+
+inline QRectF toQRectF(const Rect& rect) {
+    return {rect.x, rect.y, rect.width, rect.height};
+}
+
+inline QString toQString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// Relative luminance, 0 (black) to 1 (white).
+inline double luminance(const QColor& color) {
+    auto linear = [](double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+} // namespace kivo

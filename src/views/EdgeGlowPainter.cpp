@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "views/EdgeGlowPainter.h"
+
+#include "views/Blur.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace kivo::edgeglow {
+
+namespace {
+
+// One axis: the share of light that a blurred interval [from, to] leaves at each of `count` pixels.
+std::vector<float> profile(double from, double to, double deviation, double start, int count, double scale) {
+    std::vector<float> values(static_cast<std::size_t>(count));
+    const double width = deviation * std::sqrt(2.0);
+    for (int i = 0; i < count; ++i) {
+        const double x = start + (i + 0.5) / scale;
+        values[static_cast<std::size_t>(i)] =
+            static_cast<float>(0.5 * (std::erf((to - x) / width) - std::erf((from - x) / width)));
+    }
+    return values;
+}
+
+// A frame of `thickness` along the inside of the screen's edge, blurred.
+class BlurredFrame {
+public:
+    BlurredFrame(double thickness, double radius, QSizeF screen, const QRectF& strip, QSize pixels,
+                 double scale) {
+        const double deviation = blurDeviation(radius);
+        outerX_ = profile(0, screen.width(), deviation, strip.x(), pixels.width(), scale);
+        outerY_ = profile(0, screen.height(), deviation, strip.y(), pixels.height(), scale);
+        innerX_ = profile(thickness, screen.width() - thickness, deviation, strip.x(), pixels.width(), scale);
+        innerY_ = profile(thickness, screen.height() - thickness, deviation, strip.y(), pixels.height(), scale);
+    }
+    float at(int x, int y) const {
+        const auto i = static_cast<std::size_t>(x);
+        const auto j = static_cast<std::size_t>(y);
+        return outerX_[i] * outerY_[j] - innerX_[i] * innerY_[j];
+    }
+
+private:
+    std::vector<float> outerX_, outerY_, innerX_, innerY_;
+};
+
+} // namespace
+
+QRectF strip(Edge edge, QSizeF screen) {
+    const double d = std::min(depth, screen.height() / 2);
+    const double side = std::min(depth, screen.width() / 2);
+    switch (edge) {
+    case Edge::top:
+        return {0, 0, screen.width(), d};
+    case Edge::bottom:
+        return {0, screen.height() - d, screen.width(), d};
+    case Edge::left:
+        return {0, d, side, screen.height() - 2 * d};
+    case Edge::right:
+        return {screen.width() - side, d, side, screen.height() - 2 * d};
+    }
+    return {};
+}
+
+QImage paint(Edge edge, QSizeF screen, Color tint, double scale) {
+    const QRectF area = strip(edge, screen);
+    const QSize pixels(static_cast<int>(std::lround(area.width() * scale)),
+                       static_cast<int>(std::lround(area.height() * scale)));
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    const BlurredFrame band(28, 36, screen, area, pixels, scale);
+    const BlurredFrame line(3, 6, screen, area, pixels, scale);
+    std::array<QRgb, 256> ramp;
+    for (int a = 0; a < 256; ++a)
+        ramp[static_cast<std::size_t>(a)] = qPremultiply(qRgba(tint.red, tint.green, tint.blue, a));
+    for (int y = 0; y < pixels.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < pixels.width(); ++x) {
+            const float behind = band.at(x, y);
+            const float alpha = behind + 0.75F * line.at(x, y) * (1 - behind);
+            row[x] = ramp[static_cast<std::size_t>(std::clamp(alpha * 255 + 0.5F, 0.0F, 255.0F))];
+        }
+    }
+    return image;
+}
+
+} // namespace kivo::edgeglow

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/Color.h"
+
+#include <QImage>
+
+#include <array>
+
+namespace kivo {
+
+// The coloured light along a screen's edges at full brightness. It is worked out in closed form (a blurred
+// band is a difference of products of error functions), so corners are exact and no blur runs.
+namespace edgeglow {
+
+// How far the light reaches in from an edge, in points; beyond it nothing is visible.
+inline constexpr double depth = 80;
+
+enum class Edge { top, bottom, left, right };
+inline constexpr std::array<Edge, 4> edges{Edge::top, Edge::bottom, Edge::left, Edge::right};
+
+// The strip of an edge in a screen of `screen` points (y down): top and bottom have the corners.
+QRectF strip(Edge edge, QSizeF screen);
+
+// Premultiplied, with the device pixel ratio set.
+QImage paint(Edge edge, QSizeF screen, Color tint, double scale);
+
+} // namespace edgeglow
+
+} // namespace kivo
