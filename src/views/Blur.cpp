@@ -11,7 +11,7 @@ namespace kivo {
 
 namespace {
 
-constexpr int levelCount = 4;
+constexpr int levelCount = 5;
 
 // One running-sum pass along a line of `count` pixels that stand `stride` apart.
 void boxPass(const QRgb* from, QRgb* to, int count, int stride, int radius) {

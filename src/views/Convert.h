@@ -3,8 +3,10 @@
 
 #include "support/Color.h"
 #include "support/Geometry.h"
+#include "support/Path.h"
 
 #include <QColor>
+#include <QPainterPath>
 #include <QRectF>
 #include <QString>
 
@@ -22,6 +24,31 @@ inline QColor toQColor(Color color, double opacity = 1) {
 
 inline QRectF toQRectF(const Rect& rect) {
     return {rect.x, rect.y, rect.width, rect.height};
+}
+
+inline QPointF toQPointF(Point point) {
+    return {point.x, point.y};
+}
+
+inline QPainterPath toQPainterPath(const Path& path) {
+    QPainterPath result;
+    for (const Path::Element& element : path.elements()) {
+        switch (element.kind) {
+        case Path::Kind::move:
+            result.moveTo(toQPointF(element.end));
+            break;
+        case Path::Kind::line:
+            result.lineTo(toQPointF(element.end));
+            break;
+        case Path::Kind::cubic:
+            result.cubicTo(toQPointF(element.control1), toQPointF(element.control2), toQPointF(element.end));
+            break;
+        case Path::Kind::close:
+            result.closeSubpath();
+            break;
+        }
+    }
+    return result;
 }
 
 inline QString toQString(std::string_view text) {

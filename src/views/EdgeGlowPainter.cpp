@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/EdgeGlowPainter.h"
 
+#include "overlay/IslandFrame.h"
 #include "views/Blur.h"
 
 #include <algorithm>
@@ -68,8 +69,9 @@ QImage paint(Edge edge, QSizeF screen, Color tint, double scale) {
                        static_cast<int>(std::lround(area.height() * scale)));
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
-    const BlurredFrame band(28, 36, screen, area, pixels, scale);
-    const BlurredFrame line(3, 6, screen, area, pixels, scale);
+    const BlurredFrame band(glowLook::bandWidth, glowLook::bandBlur, screen, area, pixels, scale);
+    const BlurredFrame line(glowLook::lineWidth, glowLook::lineBlur, screen, area, pixels, scale);
+    const auto lineOpacity = static_cast<float>(glowLook::lineOpacity);
     std::array<QRgb, 256> ramp;
     for (int a = 0; a < 256; ++a)
         ramp[static_cast<std::size_t>(a)] = qPremultiply(qRgba(tint.red, tint.green, tint.blue, a));
@@ -77,7 +79,7 @@ QImage paint(Edge edge, QSizeF screen, Color tint, double scale) {
         auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < pixels.width(); ++x) {
             const float behind = band.at(x, y);
-            const float alpha = behind + 0.75F * line.at(x, y) * (1 - behind);
+            const float alpha = behind + lineOpacity * line.at(x, y) * (1 - behind);
             row[x] = ramp[static_cast<std::size_t>(std::clamp(alpha * 255 + 0.5F, 0.0F, 255.0F))];
         }
     }

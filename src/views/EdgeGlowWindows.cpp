@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "views/EdgeGlowWindows.h"
+
+#include "views/Convert.h"
+
+#include <QScreen>
+
+#include <cmath>
+
+namespace kivo {
+
+namespace {
+
+constexpr int plainWidth = 4;
+
+QRect plainStrip(edgeglow::Edge edge, QSize screen) {
+    switch (edge) {
+    case edgeglow::Edge::top:
+        return {0, 0, screen.width(), plainWidth};
+    case edgeglow::Edge::bottom:
+        return {0, screen.height() - plainWidth, screen.width(), plainWidth};
+    case edgeglow::Edge::left:
+        return {0, plainWidth, plainWidth, screen.height() - 2 * plainWidth};
+    case edgeglow::Edge::right:
+        return {screen.width() - plainWidth, plainWidth, plainWidth, screen.height() - 2 * plainWidth};
+    }
+    return {};
+}
+
+} // namespace
+
+void EdgeGlowWindows::hide() {
+    for (auto& window : windows_)
+        window.reset();
+    screen_ = nullptr;
+    opacity_ = 0;
+}
+
+void EdgeGlowWindows::show(const std::optional<GlowFrame>& glow, QScreen* screen, bool isCompositing) {
+    const double opacity = glow ? glow->visibility * glow->brightness : 0;
+    if (!glow || glow->visibility <= 0 || (!isCompositing && glow->visibility < 0.5)) {
+        hide();
+        return;
+    }
+    const bool isNew = screen_ != screen || color_ != glow->color || isCompositing_ != isCompositing;
+    if (isNew)
+        make(glow->color, screen, isCompositing);
+    // Steps that no eye tells apart are not worth a message to the display.
+    if (!isNew && std::abs(opacity - opacity_) < 0.002 && opacity != 1)
+        return;
+    if (!isNew && opacity == opacity_)
+        return;
+    opacity_ = opacity;
+    for (auto& window : windows_) {
+        if (isCompositing_)
+            window->setOpacity(opacity);
+        else
+            window->repaint({{}, window->size()});
+        if (isNew)
+            window->show();
+    }
+}
+
+void EdgeGlowWindows::make(Color color, QScreen* screen, bool isCompositing) {
+    color_ = color;
+    screen_ = screen;
+    isCompositing_ = isCompositing;
+    const QRect place = screen->geometry();
+    for (std::size_t i = 0; i < windows_.size(); ++i) {
+        const edgeglow::Edge edge = edgeglow::edges[i];
+        const QRect strip = isCompositing ? edgeglow::strip(edge, place.size()).toAlignedRect()
+                                          : plainStrip(edge, place.size());
+        windows_[i] = std::make_unique<PaintedWindow>(
+            screen, strip.translated(place.topLeft()),
+            [this, edge](QPainter& painter, const QRect& part) { paint(painter, edge, part); });
+    }
+}
+
+void EdgeGlowWindows::paint(QPainter& painter, edgeglow::Edge edge, const QRect& part) {
+    if (isCompositing_) {
+        painter.drawImage(QPointF(0, 0), edgeglow::paint(edge, screen_->geometry().size(), color_,
+                                                         painter.device()->devicePixelRatio()));
+        return;
+    }
+    const auto dimmed = [this](std::uint8_t part8) { return static_cast<int>(part8 * opacity_); };
+    painter.fillRect(part, QColor(dimmed(color_.red), dimmed(color_.green), dimmed(color_.blue)));
+}
+
+} // namespace kivo

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+#include "views/IslandPainter.h"
+
+#include "views/Convert.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace kivo {
+
+namespace {
+
+// A stroke that fades to its sides: wider and fainter strokes under one another, outermost first. `widths`
+// and `shares` follow the profile of a blurred line, so that no blur has to run for each frame.
+struct SoftStroke {
+    double extraWidth; // points, both sides together
+    double share;
+};
+constexpr std::array<SoftStroke, 4> halo{{{7.4, 0.05}, {5.0, 0.08}, {3.0, 0.12}, {1.4, 0.16}}};
+
+void stroke(QPainter& painter, const QPainterPath& path, const QColor& color, double width) {
+    painter.strokePath(path, QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+}
+
+double mixedBlur(double first, double second) {
+    return std::hypot(first, second);
+}
+
+void paintElement(QPainter& painter, const SoftImage& image, QPointF place, const RiseIn& pose,
+                  const IslandContentLayer& layer) {
+    image.paint(painter, place + QPointF(0, pose.offset), mixedBlur(pose.blur, layer.blur),
+                pose.opacity * layer.opacity);
+}
+
+} // namespace
+
+QRectF IslandPainter::bounds(const IslandFrame& island) {
+    constexpr double reach = IslandShadow::reach + 1;
+    return toQRectF(island.frame).translated(island.nudge, 0).adjusted(-reach, -reach, reach, reach);
+}
+
+void IslandPainter::release() {
+    shadow_.release();
+    texts_.keepOnly({});
+}
+
+void IslandPainter::paint(QPainter& painter, const IslandFrame& island, double scale) {
+    texts_.keepOnly(island.layers);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(island.nudge, 0);
+    paintBody(painter, island, scale);
+    painter.restore();
+}
+
+void IslandPainter::paintBody(QPainter& painter, const IslandFrame& island, double scale) {
+    const QPainterPath body = toQPainterPath(island.body.path(island.frame));
+    shadow_.paint(painter, toQRectF(island.frame), island, scale);
+    if (island.bodyOpacity <= 0)
+        return;
+    if (island.bodyOpacity < 1 && island.shadowOpacity > 0) {
+        painter.save();
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+        painter.fillPath(body, Qt::black);
+        painter.restore();
+    }
+    painter.setOpacity(island.bodyOpacity);
+    painter.fillPath(body, Qt::black);
+    paintRing(painter, island);
+    painter.setClipPath(body);
+    painter.setOpacity(island.contentOpacity);
+    for (const IslandContentLayer& layer : island.layers)
+        paintLayer(painter, island, layer, scale);
+}
+
+void IslandPainter::paintRing(QPainter& painter, const IslandFrame& island) {
+    const Path ring = island.ring.path(island.ringFrame);
+    stroke(painter, toQPainterPath(ring), toQColor({255, 255, 255}, ringLook::trackOpacity), ringLook::width);
+    const QPainterPath progress = toQPainterPath(ring.trimmed(0, island.ringProgress));
+    if (progress.isEmpty())
+        return;
+    for (const SoftStroke& soft : halo)
+        stroke(painter, progress, toQColor(island.tint, soft.share * ringLook::haloOpacity),
+               ringLook::width + soft.extraWidth);
+    stroke(painter, progress, toQColor(island.tint), ringLook::width);
+    const QPainterPath tip = toQPainterPath(island.tip.path(island.ringFrame));
+    painter.save();
+    painter.setCompositionMode(QPainter::CompositionMode_Plus);
+    stroke(painter, tip, toQColor({255, 255, 255}, ringLook::tipOpacity * 0.3), ringLook::tipWidth + 1);
+    stroke(painter, tip, toQColor({255, 255, 255}, ringLook::tipOpacity * 0.7), ringLook::tipWidth - 0.6);
+    painter.restore();
+}
+
+void IslandPainter::paintLayer(QPainter& painter, const IslandFrame& island, const IslandContentLayer& layer,
+                               double scale) {
+    const ContentImages& images = texts_.images(layer, scale);
+    const QRectF area = toQRectF(island.contentFrame);
+    painter.save();
+    painter.translate(area.center() + QPointF(0, layer.offset));
+    painter.scale(layer.scale, layer.scale);
+    const QPointF corner(-area.width() / 2, -area.height() / 2);
+    // At rest everything lies on whole device pixels of the panel.
+    auto placed = [&](QPointF place) {
+        const QPointF onPanel = area.topLeft() + place;
+        const QPointF snapped(std::round(onPanel.x() * scale) / scale, std::round(onPanel.y() * scale) / scale);
+        return snapped - onPanel + corner + place;
+    };
+    paintElement(painter, images.title, placed(images.titlePlace), island.title, layer);
+    paintElement(painter, images.subtitle, placed(images.subtitlePlace), island.subtitle, layer);
+
+    const QPointF glyph = placed(images.glyphPlace);
+    const QPointF middle(images.glyph.size().width() / 2, images.glyph.size().height() / 2);
+    const bool bounces = std::holds_alternative<IslandContent::Symbol>(layer.content.leading);
+    const double size = island.glyphScale * (bounces ? layer.symbolBounce : 1);
+    painter.translate(glyph + middle);
+    painter.scale(size, size);
+    paintElement(painter, images.glyph, -middle, island.leading, layer);
+    painter.restore();
+}
+
+} // namespace kivo
