@@ -46,6 +46,29 @@ Inside layOut(const BatteryGlyph& glyph, const BatteryGlyphGeometry& g) {
     return inside;
 }
 
+QColor ground(const QColor& tint) {
+    QColor color = tint;
+    color.setAlphaF(tint.alphaF() * 0.42F);
+    return color;
+}
+
+double contrast(double first, double second) {
+    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}
+
+// Black or white, whichever stands out more from both the fill and the ground beside it. The panel behind is
+// taken for the opposite of its foreground colour.
+QColor inkWithin(const QColor& tint, const QColor& primary) {
+    const bool isDarkPanel = luminance(primary) > 0.5;
+    const double panel = isDarkPanel ? 0.0 : 255.0;
+    const double share = ground(tint).alphaF();
+    auto over = [&](int component) { return static_cast<int>(component * share + panel * (1 - share)); };
+    const double onFill = luminance(tint);
+    const double onGround = luminance(QColor(over(tint.red()), over(tint.green()), over(tint.blue())));
+    auto worst = [&](double ink) { return std::min(contrast(ink, onFill), contrast(ink, onGround)); };
+    return worst(0) >= worst(1) ? QColor(Qt::black) : QColor(Qt::white);
+}
+
 void paintInside(QPainter& painter, const Inside& inside, const QColor& ink, SymbolPainter& symbols) {
     if (!inside.number.isEmpty()) {
         painter.save();
@@ -77,6 +100,11 @@ void paintBatteryGlyph(QPainter& painter, const BatteryGlyph& glyph, QPointF pos
     painter.setPen(QPen(soft, g.lineWidth));
     painter.drawRoundedRect(outline, g.bodyRadius - g.lineWidth / 2, g.bodyRadius - g.lineWidth / 2);
     painter.setPen(Qt::NoPen);
+    if (glyph.showsNumber || glyph.isCharging) {
+        // One ink is readable over both the fill and what is left of the body when the body has a ground.
+        painter.setBrush(ground(tint));
+        painter.drawRoundedRect(toQRectF(g.body), g.bodyRadius, g.bodyRadius);
+    }
     painter.setBrush(soft);
     // Only the outer corners of the tip are round.
     QPainterPath tip;
@@ -93,15 +121,8 @@ void paintBatteryGlyph(QPainter& painter, const BatteryGlyph& glyph, QPointF pos
     if (!fill.isEmpty())
         painter.drawRoundedRect(fill, radius, radius);
 
-    const Inside inside = layOut(glyph, g);
-    // Over the fill the ink is whatever stands out from it; beside it, the foreground.
-    const QColor onFill = luminance(tint) > 0.36 ? QColor(0, 0, 0, 225) : QColor(Qt::white);
-    painter.save();
-    painter.setClipRect(QRectF(0, 0, fill.isEmpty() ? 0 : fill.right(), g.size.height));
-    paintInside(painter, inside, onFill, symbols);
-    painter.restore();
-    painter.setClipRect(QRectF(fill.isEmpty() ? 0 : fill.right(), 0, g.size.width, g.size.height));
-    paintInside(painter, inside, primary, symbols);
+    if (glyph.showsNumber || glyph.isCharging)
+        paintInside(painter, layOut(glyph, g), inkWithin(tint, primary), symbols);
     painter.restore();
 }
 

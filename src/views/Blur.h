@@ -7,7 +7,7 @@
 
 namespace kivo {
 
-// A blur of radius r is a Gaussian of deviation r / 2 everywhere in Kivo, so r is where a light has faded.
+// A blur of radius r is a Gaussian of deviation r / 2: at r a hard edge has faded.
 inline double blurDeviation(double radius) {
     return radius / 2;
 }

@@ -2,7 +2,6 @@
 #include "views/EdgeGlowPainter.h"
 
 #include "overlay/IslandFrame.h"
-#include "views/Blur.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,9 +26,8 @@ std::vector<float> profile(double from, double to, double deviation, double star
 // A frame of `thickness` along the inside of the screen's edge, blurred.
 class BlurredFrame {
 public:
-    BlurredFrame(double thickness, double radius, QSizeF screen, const QRectF& strip, QSize pixels,
+    BlurredFrame(double thickness, double deviation, QSizeF screen, const QRectF& strip, QSize pixels,
                  double scale) {
-        const double deviation = blurDeviation(radius);
         outerX_ = profile(0, screen.width(), deviation, strip.x(), pixels.width(), scale);
         outerY_ = profile(0, screen.height(), deviation, strip.y(), pixels.height(), scale);
         innerX_ = profile(thickness, screen.width() - thickness, deviation, strip.x(), pixels.width(), scale);

@@ -10,11 +10,12 @@
 namespace kivo {
 
 // The coloured light along a screen's edges at full brightness. It is worked out in closed form (a blurred
-// band is a difference of products of error functions), so corners are exact and no blur runs.
+// band is a difference of products of error functions), so corners are exact and no blur runs. Being light and
+// not an image, it spreads wide: its radii are the deviations.
 namespace edgeglow {
 
 // How far the light reaches in from an edge, in points; beyond it nothing is visible.
-inline constexpr double depth = 80;
+inline constexpr double depth = 132;
 
 enum class Edge { top, bottom, left, right };
 inline constexpr std::array<Edge, 4> edges{Edge::top, Edge::bottom, Edge::left, Edge::right};

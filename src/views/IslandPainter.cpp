@@ -23,6 +23,30 @@ void stroke(QPainter& painter, const QPainterPath& path, const QColor& color, do
     painter.strokePath(path, QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
 }
 
+// The tip glows up towards its head.
+void paintTip(QPainter& painter, const IslandFrame& island) {
+    const double head = std::clamp(island.tip.head, 0.0, 1.0);
+    const QPainterPath ring = toQPainterPath(island.tip.ring.path(island.ringFrame));
+    const QPainterPath tip = toQPainterPath(island.tip.path(island.ringFrame));
+    if (tip.isEmpty())
+        return;
+    const double tail = head - island.tip.length;
+    QLinearGradient light(ring.pointAtPercent(tail < 0 ? tail + 1 : tail), ring.pointAtPercent(head));
+    const QColor bright = toQColor({255, 255, 255}, ringLook::tipOpacity);
+    auto dimmed = [&bright](double share) {
+        QColor color = bright;
+        color.setAlphaF(static_cast<float>(bright.alphaF() * share));
+        return color;
+    };
+    light.setColorAt(0, dimmed(0));
+    light.setColorAt(0.45, dimmed(0.35));
+    light.setColorAt(1, bright);
+    painter.save();
+    painter.setCompositionMode(QPainter::CompositionMode_Plus);
+    painter.strokePath(tip, QPen(light, ringLook::tipWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.restore();
+}
+
 double mixedBlur(double first, double second) {
     return std::hypot(first, second);
 }
@@ -84,12 +108,7 @@ void IslandPainter::paintRing(QPainter& painter, const IslandFrame& island) {
         stroke(painter, progress, toQColor(island.tint, soft.share * ringLook::haloOpacity),
                ringLook::width + soft.extraWidth);
     stroke(painter, progress, toQColor(island.tint), ringLook::width);
-    const QPainterPath tip = toQPainterPath(island.tip.path(island.ringFrame));
-    painter.save();
-    painter.setCompositionMode(QPainter::CompositionMode_Plus);
-    stroke(painter, tip, toQColor({255, 255, 255}, ringLook::tipOpacity * 0.3), ringLook::tipWidth + 1);
-    stroke(painter, tip, toQColor({255, 255, 255}, ringLook::tipOpacity * 0.7), ringLook::tipWidth - 0.6);
-    painter.restore();
+    paintTip(painter, island);
 }
 
 void IslandPainter::paintLayer(QPainter& painter, const IslandFrame& island, const IslandContentLayer& layer,

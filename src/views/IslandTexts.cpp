@@ -17,7 +17,8 @@ namespace {
 constexpr double sidePadding = 24;
 constexpr double glyphSide = 32;
 constexpr double glyphGap = 14;
-constexpr double lineGap = 1;
+// The lines stand a little low in their area, so that ascenders clear a notch of the usual height.
+constexpr double drop = 1;
 constexpr QSizeF contentSize{372, 66};
 // Room around a painting for its blur.
 constexpr double margin = 12;
@@ -98,10 +99,10 @@ ContentImages IslandTexts::make(const IslandContent& content, double scale) {
     images.title = paintLine(title, textWidth, scale);
     images.subtitle = paintLine(subtitle, textWidth, scale);
     const double titleHeight = QFontMetricsF(title.font).height();
-    const double blockHeight = titleHeight + lineGap + QFontMetricsF(subtitle.font).height();
-    const double top = (contentSize.height() - blockHeight) / 2;
+    const double blockHeight = titleHeight + QFontMetricsF(subtitle.font).height();
+    const double top = (contentSize.height() - blockHeight) / 2 + drop;
     images.titlePlace = QPointF(textX, top);
-    images.subtitlePlace = QPointF(textX, top + titleHeight + lineGap);
+    images.subtitlePlace = QPointF(textX, top + titleHeight);
 
     images.glyphPlace = QPointF(sidePadding, (contentSize.height() - glyphSide) / 2);
     QImage glyph = transparentImage({glyphSide, glyphSide}, scale);

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui/MenuBarLabel.h"
+#include "views/SymbolPainter.h"
+
+#include <QColor>
+#include <QImage>
+
+namespace kivo {
+
+// The menu bar's label in the square that a tray has for it, `side` pixels wide: glyph and text above one
+// another, as large as the square allows. `ink` is the panel's foreground colour.
+QImage paintTrayImage(const MenuBarLabel& label, int side, const QColor& ink, SymbolPainter& symbols);
+
+} // namespace kivo
