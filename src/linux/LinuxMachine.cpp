@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "linux/LinuxMachine.h"
 
+#include "linux/LinuxAccessorySources.h"
 #include "linux/LinuxDeviceRegistry.h"
 #include "linux/LinuxPowerSources.h"
 #include "linux/LinuxProcessRunner.h"
 #include "linux/PowerProfiles.h"
 #include "linux/QtLoop.h"
 #include "linux/base/AbsentAccessibility.h"
-#include "linux/base/AbsentAccessorySources.h"
 #include "linux/base/AbsentDesktop.h"
 #include "linux/base/AbsentLoginService.h"
 #include "linux/base/AbsentMobileDevices.h"
@@ -27,7 +27,7 @@ struct LinuxMachine::Services {
     UPower upower{loop, log, QDBusConnection::systemBus()};
     KernelPower kernelPower{loop};
     LinuxPowerSources powerSources{loop, upower, kernelPower};
-    AbsentAccessorySources accessorySources;
+    LinuxAccessorySources accessorySources{loop, upower};
     LinuxDeviceRegistry registry{powerSources};
     PowerProfiles powerState{loop, QDBusConnection::systemBus()};
     LinuxProcessRunner processRunner{loop, registry};
