@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+#include "ui/Onboarding.h"
+
+#include "app/AppCoordinator.h"
+#include "platform/UserDefaults.h"
+#include "support/Text.h"
+#include "ui/AlertsPane.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace kivo {
+namespace {
+
+using Kind = AlertTrigger::Kind;
+
+// A switch of the alerts page and the rules that it stands for.
+struct RuleSwitch {
+    std::string_view title;
+    std::string_view symbol;
+    bool (*covers)(const AlertTrigger&);
+};
+constexpr std::array ruleSwitches{
+    RuleSwitch{"When you plug in or unplug the charger", "bolt.fill",
+               [](const AlertTrigger& trigger) {
+                   return trigger.kind == Kind::pluggedIn || trigger.kind == Kind::unplugged;
+               }},
+    RuleSwitch{"At 80%, to protect your battery", "leaf.fill",
+               [](const AlertTrigger& trigger) {
+                   return trigger == AlertTrigger{Kind::macReached, 80};
+               }},
+    RuleSwitch{"When charging is done", "checkmark.circle.fill",
+               [](const AlertTrigger& trigger) {
+                   return trigger == AlertTrigger{Kind::macReached, 100};
+               }},
+    RuleSwitch{"When your AirPods or accessories run low", "airpodspro",
+               [](const AlertTrigger& trigger) { return trigger.kind == Kind::deviceBelow; }},
+};
+
+constexpr std::string_view openAtLogin = "Open Kivo at login";
+constexpr std::string_view systemNotifications = "System notifications";
+constexpr std::string_view closePopUps = "Close macOS battery pop-ups";
+
+bool isOn(const RuleSwitch& ruleSwitch, const AlertSettings& settings) {
+    return std::any_of(settings.rules.begin(), settings.rules.end(), [&](const AlertRule& rule) {
+        return rule.isEnabled && ruleSwitch.covers(rule.trigger);
+    });
+}
+
+// The rule behind "Low battery at": the computer's first below-rule.
+template <typename Rules>
+auto lowBatteryRule(Rules& rules) {
+    return std::find_if(rules.begin(), rules.end(),
+                        [](const AlertRule& rule) { return rule.trigger.kind == Kind::macBelow; });
+}
+
+std::string foundText(std::size_t count) {
+    if (count == 0)
+        return localized("Connect your AirPods or accessories and they'll show up in the menu on their own.");
+    if (count == 1)
+        return localized("We already found one device. Others show up on their own as soon as they connect.");
+    return localized("We already found %lld devices. Others show up on their own as soon as they connect.",
+                     {static_cast<std::int64_t>(count)});
+}
+
+} // namespace
+
+void Onboarding::next() {
+    if (step_.get() != OnboardingStep::done) {
+        step_.set(static_cast<OnboardingStep>(static_cast<int>(step_.get()) + 1));
+        return;
+    }
+    defaults_.set("onboarding.completed.v1", true);
+    if (onFinish)
+        onFinish();
+}
+
+void Onboarding::back() {
+    if (step_.get() != OnboardingStep::welcome)
+        step_.set(static_cast<OnboardingStep>(static_cast<int>(step_.get()) - 1));
+}
+
+void Onboarding::setSwitch(std::string_view title, bool isOn) {
+    const auto it = std::find_if(ruleSwitches.begin(), ruleSwitches.end(),
+                                 [&](const RuleSwitch& each) { return each.title == title; });
+    if (it == ruleSwitches.end())
+        return;
+    AlertSettings settings = coordinator_.settings().value();
+    for (auto& rule : settings.rules) {
+        if (it->covers(rule.trigger))
+            rule.isEnabled = isOn;
+    }
+    coordinator_.settings().setValue(std::move(settings));
+}
+
+void Onboarding::grant(std::string_view title) {
+    OnboardingContent page;
+    fillPermissions(page);
+    // A permission that is granted has no button.
+    const auto isOpen =
+        std::any_of(page.permissions.begin(), page.permissions.end(), [&](const auto& permission) {
+            return permission.title == localized(title) && !permission.isGranted;
+        });
+    if (!isOpen)
+        return;
+    if (title == openAtLogin)
+        coordinator_.loginItem().setEnabled(true);
+    else if (title == systemNotifications)
+        coordinator_.notifier().requestAuthorization();
+    else if (title == closePopUps)
+        coordinator_.setDismissesSystemAlerts(true);
+}
+
+void Onboarding::setStyle(MenuBarStyle style) {
+    AlertSettings settings = coordinator_.settings().value();
+    settings.menuBarStyle = style;
+    coordinator_.settings().setValue(std::move(settings));
+}
+
+void Onboarding::setThreshold(std::int64_t threshold) {
+    AlertSettings settings = coordinator_.settings().value();
+    const auto rule = lowBatteryRule(settings.rules);
+    if (rule == settings.rules.end())
+        return;
+    const auto range = thresholdRange(rule->trigger.kind);
+    rule->trigger.threshold = std::clamp(threshold, range->minimum, range->maximum);
+    coordinator_.settings().setValue(std::move(settings));
+}
+
+void Onboarding::test() {
+    const auto& rules = coordinator_.settings().value().rules;
+    const auto it = std::find_if(rules.begin(), rules.end(), [](const AlertRule& rule) {
+        return rule.trigger == AlertTrigger{Kind::macBelow, 10};
+    });
+    coordinator_.test(AlertRule(it != rules.end() ? *it : defaultRules()[1]));
+}
+
+OnboardingContent Onboarding::content() const {
+    const OnboardingStep step = step_.get();
+    OnboardingContent content{.step = step};
+    content.progress =
+        localized("Step %lld of %lld", {static_cast<std::int64_t>(step) + 1,
+                                        static_cast<std::int64_t>(onboardingSteps.entries.size())});
+    content.hasBack = step != OnboardingStep::welcome;
+    content.primary = localized(step == OnboardingStep::welcome ? "Get Started"
+                                : step == OnboardingStep::done  ? "Done"
+                                                                : "Continue");
+    fillPage(content);
+    return content;
+}
+
+void Onboarding::fillPage(OnboardingContent& content) const {
+    const AlertSettings& settings = coordinator_.settings().value();
+    switch (content.step) {
+    case OnboardingStep::welcome:
+        content.title = localized("Your battery, no surprises");
+        content.message = localized(
+            "Kivo lets you know right when it matters: when you plug in, while you charge, and before you "
+            "run out. It looks after your AirPods, iPhone and accessories too.");
+        break;
+    case OnboardingStep::alerts: {
+        content.title = localized("When do you want to know?");
+        content.message =
+            localized("The most useful ones are already on. Tweak anything you like, or just keep going.");
+        for (const auto& each : ruleSwitches)
+            content.switches.push_back({localized(each.title), std::string(each.symbol), isOn(each, settings)});
+        content.lowBattery = OnboardingContent::LowBattery{.title = localized("Low battery at")};
+        if (const auto rule = lowBatteryRule(settings.rules); rule != settings.rules.end())
+            content.lowBattery->threshold = rule->trigger.threshold;
+        break;
+    }
+    case OnboardingStep::devices:
+        content.title = localized("All your batteries, together");
+        for (const auto& device : coordinator_.devices().devices().get())
+            content.devices.push_back(device.name);
+        content.message = foundText(content.devices.size());
+        content.box = OnboardingContent::Box{
+            localized("Have an iPhone or iPad?"),
+            "iphone",
+            {localized("Plug it in with a cable once, unlock it and tap **Trust**."),
+             localized(
+                 "In Finder, open your iPhone and turn on **Show this iPhone when on Wi‑Fi**. From then on, no "
+                 "cable needed.")}};
+        break;
+    case OnboardingStep::permissions:
+        content.title = localized("A few finishing touches");
+        content.message = localized("Everything here is optional, and you can change it later in Settings.");
+        fillPermissions(content);
+        break;
+    case OnboardingStep::done:
+        content.title = localized("All set, Kivo has your back");
+        content.message = localized("It lives up top, in your menu bar. Pick how you want to see it there:");
+        content.styles = {{MenuBarStyle::compact, localized("Compact")},
+                          {MenuBarStyle::glyphAndPercent, localized("Icon + %")},
+                          {MenuBarStyle::percentOnly, localized("% only")}};
+        content.tip = localized("Tip: in Settings, **Try** shows you any alert right away.");
+        break;
+    }
+}
+
+void Onboarding::fillPermissions(OnboardingContent& content) const {
+    content.permissions = {
+        {localized(openAtLogin), localized("Recommended: if Kivo isn't running, it can't warn you."), "power",
+         coordinator_.loginItem().isEnabled().get()},
+        {localized(systemNotifications), localized("So important alerts also stay in Notification Center."),
+         "bell.badge", coordinator_.notifier().isAuthorized().get()},
+        {localized(closePopUps),
+         localized("Kivo already lets you know, so the macOS pop-up won't interrupt you. Needs Accessibility "
+                   "permission."),
+         "bell.slash",
+         coordinator_.settings().value().dismissesSystemAlerts && coordinator_.dismisser().isTrusted().get()},
+    };
+}
+
+} // namespace kivo
