@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "scenario/ScenarioRun.h"
 
+#include "platform/Windows.h"
+
 #include <utility>
 
 namespace kivo {
@@ -9,7 +11,11 @@ LaunchedApplication::LaunchedApplication(SimulatedMachine& machine)
     : delegate(machine),
       islandEvents(machine, delegate.coordinator().overlay().model()),
       island(machine.loop(), delegate.coordinator().overlay().model(), machine.workspace()),
-      launchedAt(machine.loop().now()) {}
+      launchedAt(machine.loop().now()),
+      alertsPane(delegate.coordinator()),
+      onboarding(delegate.coordinator(), machine.standardDefaults()) {
+    onboarding.onFinish = [&machine] { machine.windows().close("onboarding"); };
+}
 
 ScenarioRun::ScenarioRun(MachineState machine) : machine_(std::move(machine)) {}
 

@@ -5,6 +5,8 @@
 #include "overlay/IslandChoreography.h"
 #include "scenario/IslandEvents.h"
 #include "simulated/SimulatedMachine.h"
+#include "ui/AlertsPane.h"
+#include "ui/Onboarding.h"
 
 #include <memory>
 
@@ -19,6 +21,8 @@ struct LaunchedApplication {
     IslandEvents islandEvents;
     IslandChoreography island;
     Duration launchedAt;
+    AlertsPane alertsPane;
+    Onboarding onboarding;
 };
 
 // What steps act on and views look at: a machine, and the application while it runs.

@@ -26,6 +26,8 @@ const StepTable& allSteps() {
         addSettingsSteps(steps);
         addOutputSteps(steps);
         addPermissionSteps(steps);
+        addAlertsPaneSteps(steps);
+        addOnboardingSteps(steps);
         addPrintStep(steps);
         return steps;
     }();

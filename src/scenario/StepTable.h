@@ -41,6 +41,8 @@ void addDeviceSteps(StepTable& steps);
 void addSettingsSteps(StepTable& steps);
 void addOutputSteps(StepTable& steps);
 void addPermissionSteps(StepTable& steps);
+void addAlertsPaneSteps(StepTable& steps);
+void addOnboardingSteps(StepTable& steps);
 void addPrintStep(StepTable& steps);
 
 // Every step that there is.

@@ -19,6 +19,9 @@ const ViewTable& allViews() {
         ViewTable views;
         addStateView(views);
         addIslandViews(views);
+        addMenuView(views);
+        addSettingsViews(views);
+        addOnboardingView(views);
         return views;
     }();
     return table;

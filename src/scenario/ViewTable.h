@@ -33,6 +33,9 @@ private:
 
 void addStateView(ViewTable& views);
 void addIslandViews(ViewTable& views);
+void addMenuView(ViewTable& views);
+void addSettingsViews(ViewTable& views);
+void addOnboardingView(ViewTable& views);
 
 // Every view that there is.
 const ViewTable& allViews();

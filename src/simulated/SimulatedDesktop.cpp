@@ -58,6 +58,17 @@ NamedSound* SimulatedSounds::named(std::string_view name) {
     return sound.get();
 }
 
+void SimulatedWindows::open(std::string_view name) {
+    open_.emplace(name);
+    core_.events.record("window.open", {{"name", name}});
+}
+
+void SimulatedWindows::close(std::string_view name) {
+    if (const auto it = open_.find(name); it != open_.end())
+        open_.erase(it);
+    core_.events.record("window.close", {{"name", name}});
+}
+
 std::optional<std::string> SimulatedWorkspace::environment(std::string_view name) {
     const auto value = core_.state.environment.find(name);
     return value == core_.state.environment.end() ? std::nullopt : std::optional(value->second);

@@ -13,6 +13,8 @@
 
 #include <map>
 #include <memory>
+#include <set>
+#include <string>
 
 namespace kivo {
 
@@ -105,11 +107,15 @@ private:
 class SimulatedWindows final : public Windows {
 public:
     explicit SimulatedWindows(SimulatedCore& core) : core_(core) {}
-    void open(std::string_view name) override { core_.events.record("window.open", {{"name", name}}); }
-    void close(std::string_view name) override { core_.events.record("window.close", {{"name", name}}); }
+    void open(std::string_view name) override;
+    void close(std::string_view name) override;
+    bool isOpen(std::string_view name) const { return open_.contains(name); }
+    // The windows of a process go with it.
+    void endProcess() { open_.clear(); }
 
 private:
     SimulatedCore& core_;
+    std::set<std::string, std::less<>> open_;
 };
 
 } // namespace kivo

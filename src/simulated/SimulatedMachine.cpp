@@ -170,9 +170,14 @@ void SimulatedMachine::deliverMobileMessage(const std::string& name, std::uint32
     services_->mobileDevices.deliver(name, code);
 }
 
+bool SimulatedMachine::isWindowOpen(std::string_view name) const {
+    return services_->windows.isOpen(name);
+}
+
 void SimulatedMachine::endProcess() {
     services_->mobileDevices.endProcess();
     services_->panel.endProcess();
+    services_->windows.endProcess();
     services_->core.loop.abandon();
 }
 

@@ -59,6 +59,8 @@ public:
     void deliverMobileMessage(const std::string& name, std::uint32_t code);
     // The process that ran on the machine is gone: nobody listens, nothing waits.
     void endProcess();
+    // Whether the application shows this window.
+    bool isWindowOpen(std::string_view name) const;
 
     // What one can see of it.
     EventLog& events();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/MenuContent.h"
 
+#include "app/AppCoordinator.h"
 #include "overlay/IslandContent.h"
 #include "support/Text.h"
 
@@ -196,6 +197,22 @@ DeviceRow deviceRow(const PowerDevice& device, Date now) {
     if (device.cycleCount)
         row.details.push_back(localized("%lld cycles", {*device.cycleCount}));
     return row;
+}
+
+MenuSource menuSource(AppCoordinator& coordinator, Date now) {
+    const AlertSettings& settings = coordinator.settings().value();
+    return {
+        .macName = coordinator.macName(),
+        .snapshot = coordinator.monitor().snapshot().get(),
+        .health = coordinator.monitor().health().get(),
+        .condition = coordinator.monitor().condition().get(),
+        .chargeTarget = coordinator.chargeTarget(),
+        .devices = coordinator.devices().devices().get(),
+        .hasLoadedDevices = coordinator.devices().hasLoaded().get(),
+        .showsOverlay = settings.showsOverlay,
+        .playsSound = settings.playsSound,
+        .now = now,
+    };
 }
 
 MenuContent menuContent(const MenuSource& source) {

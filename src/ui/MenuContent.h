@@ -125,6 +125,7 @@ struct MenuSource {
     Date now;
 };
 
+MenuSource menuSource(AppCoordinator& coordinator, Date now);
 MenuContent menuContent(const MenuSource& source);
 
 HeroCard heroCard(const MenuSource& source, const BatterySnapshot& snapshot);
