@@ -135,8 +135,8 @@ std::vector<FooterControl> footer(const MenuSource& source) {
          localized("Sounds"),
          source.playsSound,
          {}},
-        {Action::settings, "gearshape.fill", localized("Settings…"), {}, "⌘,"},
-        {Action::quit, "power", localized("Quit Kivo"), {}, "⌘Q"},
+        {Action::settings, "gearshape.fill", localized("Settings…"), {}, localized("⌘,")},
+        {Action::quit, "power", localized("Quit Kivo"), {}, localized("⌘Q")},
     };
 }
 
