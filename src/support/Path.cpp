@@ -71,17 +71,23 @@ double cubicLength(const Cubic& c, int depth = 0) {
     return cubicLength(first, depth + 1) + cubicLength(second, depth + 1);
 }
 
-// Where on the cubic its first `length` points end; the length grows with t, so halving finds it.
+// Where on the cubic its first `length` points end: Newton's steps, kept within the bracket.
 double parameterAt(const Cubic& c, double length, double whole) {
     if (length >= whole)
         return 1;
     double low = 0;
     double high = 1;
-    for (int step = 0; step < 40; ++step) {
-        const double middle = (low + high) / 2;
-        (cubicLength(split(c, middle)[0]) < length ? low : high) = middle;
+    double t = length / whole;
+    for (int step = 0; step < 50; ++step) {
+        const double error = cubicLength(split(c, t)[0]) - length;
+        if (std::abs(error) < 1e-9 * whole)
+            break;
+        (error < 0 ? low : high) = t;
+        const double rate = speed(c, t);
+        const double guess = rate > 0 ? t - error / rate : -1;
+        t = guess > low && guess < high ? guess : (low + high) / 2;
     }
-    return (low + high) / 2;
+    return t;
 }
 
 double elementLength(Point from, const Path::Element& element) {
