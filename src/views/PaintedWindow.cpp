@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/PaintedWindow.h"
 
-#include <QGuiApplication>
 #include <QScreen>
-
-#include <xcb/xcb.h>
-
-#include <cstdlib>
-#include <string>
 
 namespace kivo {
 
@@ -46,26 +40,6 @@ void PaintedWindow::repaint(QRect part) {
     painter.end();
     store_.endPaint();
     store_.flush(part);
-}
-
-bool isCompositing() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
-        return true;
-    // A compositor owns this selection of its screen for as long as it runs.
-    xcb_connection_t* connection = x11->connection();
-    const std::string name = "_NET_WM_CM_S0";
-    auto* atom = xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
-        nullptr);
-    if (!atom)
-        return false;
-    auto* owner =
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr);
-    const bool isOwned = owner && owner->owner != XCB_WINDOW_NONE;
-    std::free(owner);
-    std::free(atom);
-    return isOwned;
 }
 
 } // namespace kivo

@@ -6,7 +6,6 @@
 #include <QWindow>
 
 #include <functional>
-#include <memory>
 
 namespace kivo {
 
@@ -30,8 +29,5 @@ private:
     Paint paint_;
     QBackingStore store_;
 };
-
-// Whether windows are blended on this display; if not, a translucent one shows black where it is clear.
-bool isCompositing();
 
 } // namespace kivo

@@ -4,6 +4,7 @@
 #include "overlay/IslandLayout.h"
 #include "overlay/OverlayModel.h"
 #include "views/Convert.h"
+#include "views/DisplaySelection.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -59,6 +60,13 @@ void QtOverlayPanel::show(OverlayModel& model, Workspace& workspace) {
     model_ = &model;
     choreography_ = std::make_unique<IslandChoreography>(loop_, model, workspace);
     change_ = choreography_->onChange([this] { update(); });
+}
+
+void QtOverlayPanel::showNothing() {
+    orderOut();
+    change_.cancel();
+    choreography_.reset();
+    model_ = nullptr;
 }
 
 void QtOverlayPanel::setFrame(Rect frame) {

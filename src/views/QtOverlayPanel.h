@@ -27,8 +27,9 @@ public:
     explicit QtOverlayPanel(MainLoop& loop);
     ~QtOverlayPanel() override;
 
-    // What it shows from now on; both outlive the panel or its next `show`.
+    // What it shows from now on; both stay until `showNothing`.
     void show(OverlayModel& model, Workspace& workspace);
+    void showNothing();
 
     void setFrame(Rect frame) override;
     void orderFront() override;

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+// kivo: the application on a real desktop.
+#include "app/AppDelegate.h"
+#include "linux/LinuxMachine.h"
+#include "linux/SingleInstance.h"
+#include "platform/Workspace.h"
+#include "views/QtOverlayPanel.h"
+#include "views/TrayIcon.h"
+
+#include <QApplication>
+#include <QSocketNotifier>
+
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+
+namespace {
+
+using namespace kivo;
+
+constexpr const char* usage =
+    "Kivo, a companion for the batteries around your computer\n"
+    "\n"
+    "usage: kivo [option]\n"
+    "  --test-alert   show what an alert looks like, in the running Kivo if there is one\n"
+    "  --version      print the version and end\n"
+    "  --help         print this and end\n";
+
+const QString testAlertAction = QStringLiteral("test-alert");
+
+int terminationEvent = -1;
+
+// A signal may come at any instruction: it only leaves a word for the event loop.
+void endSoon(int) {
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = ::write(terminationEvent, &one, sizeof one);
+}
+
+void catchTermination() {
+    terminationEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    struct sigaction action = {};
+    action.sa_handler = endSoon;
+    sigemptyset(&action.sa_mask);
+    for (int number : {SIGTERM, SIGINT, SIGHUP})
+        sigaction(number, &action, nullptr);
+}
+
+// Islands need windows at exact places, which X11 gives (under Wayland by way of XWayland), and no OpenGL: its
+// libraries would cost more memory than all of Kivo. Without any display Kivo still notifies and plays sounds.
+void chooseDisplay() {
+    qputenv("QT_XCB_GL_INTEGRATION", "none");
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        return;
+    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    else if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+void testAlert(AppCoordinator& coordinator) {
+    const auto& rules = defaultRules();
+    const auto rule = std::find_if(rules.begin(), rules.end(), [](const AlertRule& candidate) {
+        return candidate.trigger.kind == AlertTrigger::Kind::unplugged;
+    });
+    if (rule != rules.end())
+        coordinator.test(*rule);
+}
+
+int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
+    LinuxMachine machine;
+    QtOverlayPanel panel(machine.loop());
+    machine.provide(panel);
+    AppDelegate delegate(machine);
+    AppCoordinator& coordinator = delegate.coordinator();
+    panel.show(coordinator.overlay().model(), machine.workspace());
+    TrayIcon tray(machine.loop(), coordinator.monitor().snapshot(), coordinator.settings());
+    tray.onQuit = [&app] { app.quit(); };
+    instance.onAction = [&coordinator](const QString& action) {
+        if (action == testAlertAction)
+            testAlert(coordinator);
+    };
+    machine.loop().post([&] {
+        delegate.applicationDidFinishLaunching();
+        if (showsTestAlert)
+            testAlert(coordinator);
+    });
+    QSocketNotifier termination(terminationEvent, QSocketNotifier::Read);
+    QObject::connect(&termination, &QSocketNotifier::activated, &app, &QCoreApplication::quit);
+
+    const int status = app.exec();
+    delegate.applicationWillTerminate();
+    instance.onAction = nullptr;
+    panel.showNothing();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    bool showsTestAlert = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--version") {
+            std::puts("Kivo " KIVO_VERSION);
+            return 0;
+        }
+        if (argument == "--help" || argument == "-h") {
+            std::fputs(usage, stdout);
+            return 0;
+        }
+        if (argument != "--test-alert") {
+            std::fprintf(stderr, "kivo: unknown option %s\n%s", argv[i], usage);
+            return 2;
+        }
+        showsTestAlert = true;
+    }
+    catchTermination();
+    chooseDisplay();
+    QApplication::setDesktopFileName(QStringLiteral("io.github.kivo.Kivo"));
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Kivo"));
+    QApplication::setApplicationVersion(QStringLiteral(KIVO_VERSION));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    SingleInstance instance(QDBusConnection::sessionBus());
+    if (instance.isFirst())
+        return run(app, instance, showsTestAlert);
+    if (instance.ask(showsTestAlert ? testAlertAction : QString()))
+        return 0;
+    std::fputs("kivo: another Kivo is running but does not answer\n", stderr);
+    return 1;
+}

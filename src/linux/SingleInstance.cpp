@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "linux/SingleInstance.h"
+
+#include "platform/Application.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+
+namespace kivo {
+
+namespace {
+
+constexpr int askMilliseconds = 2000;
+const QString interfaceName = QStringLiteral("org.freedesktop.Application");
+
+QString text(std::string_view value) {
+    return QString::fromUtf8(value.data(), static_cast<qsizetype>(value.size()));
+}
+
+} // namespace
+
+class SingleInstance::Service final : public QDBusVirtualObject {
+public:
+    explicit Service(SingleInstance& owner) : owner_(owner) {}
+
+    QString introspect(const QString&) const override {
+        return QStringLiteral(
+            "<interface name=\"org.freedesktop.Application\">"
+            "<method name=\"Activate\"><arg type=\"a{sv}\" direction=\"in\"/></method>"
+            "<method name=\"ActivateAction\"><arg type=\"s\" direction=\"in\"/>"
+            "<arg type=\"av\" direction=\"in\"/><arg type=\"a{sv}\" direction=\"in\"/></method>"
+            "</interface>");
+    }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        const bool isAction = message.member() == QLatin1String("ActivateAction");
+        if (message.interface() != interfaceName ||
+            (!isAction && message.member() != QLatin1String("Activate")))
+            return false;
+        connection.send(message.createReply());
+        if (owner_.onAction)
+            owner_.onAction(isAction ? message.arguments().value(0).toString() : QString());
+        return true;
+    }
+
+private:
+    SingleInstance& owner_;
+};
+
+SingleInstance::SingleInstance(const QDBusConnection& bus) : bus_(bus) {
+    if (!bus_.isConnected()) {
+        isFirst_ = true;
+        return;
+    }
+    // The object is there before the name: whoever sees the name can ask.
+    service_ = std::make_unique<Service>(*this);
+    bus_.registerVirtualObject(text(applicationObjectPath), service_.get());
+    isFirst_ = bus_.registerService(text(applicationIdentifier));
+}
+
+SingleInstance::~SingleInstance() {
+    if (!service_)
+        return;
+    bus_.unregisterObject(text(applicationObjectPath));
+    if (isFirst_)
+        bus_.unregisterService(text(applicationIdentifier));
+}
+
+bool SingleInstance::ask(const QString& action) const {
+    auto call = QDBusMessage::createMethodCall(
+        text(applicationIdentifier), text(applicationObjectPath), interfaceName,
+        action.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("ActivateAction"));
+    if (!action.isEmpty())
+        call << action << QVariantList();
+    call << QVariantMap();
+    return bus_.call(call, QDBus::Block, askMilliseconds).type() == QDBusMessage::ReplyMessage;
+}
+
+} // namespace kivo
