@@ -106,10 +106,6 @@ QRectF topPart(const IslandMetrics& metrics) {
     return {metrics.screenSize.width / 2 - 240, 0, 480, 160};
 }
 
-QRectF middlePart(const IslandMetrics& metrics) {
-    return {metrics.screenSize.width / 2 - 240, metrics.screenSize.height / 2 - 80, 480, 160};
-}
-
 // Rows of frames with their times under them.
 class Strip {
 public:
