@@ -59,6 +59,17 @@ TEST(EdgeGlowTest, pulsesTwiceWhenUrgentAndFromTheStartWithEachIsland) {
     }
 }
 
+TEST(EdgeGlowTest, aSteadyGlowAfterAPulsingOneBrightensGently) {
+    IslandHarness h;
+    h.show(glowing(urgent(0.08)));
+    h.to(0.65);
+    h.retarget(glowing(level(0.5)));
+    EXPECT_NEAR(h.frame().glow->brightness, 0.3, 1e-9);
+    EXPECT_LT(h.frameAt(0.8).glow->brightness, 0.9);
+    for (const double time : {0.95, 1.3, 1.65, 3.0})
+        EXPECT_NEAR(h.frameAt(time).glow->brightness, 1, 1e-9) << time;
+}
+
 TEST(EdgeGlowTest, neverShinesBrighterThanFull) {
     IslandHarness h;
     h.show(glowing(urgent(0.08)));
