@@ -15,6 +15,7 @@
 #include "linux/base/AbsentUpdateService.h"
 #include "linux/base/FileUserDefaults.h"
 #include "linux/base/JournalLog.h"
+#include "linux/base/LinuxSounds.h"
 #include "linux/base/LinuxSupportFiles.h"
 
 namespace kivo {
@@ -45,7 +46,7 @@ struct LinuxMachine::Services {
 
     AbsentScreens screens;
     AbsentNotificationCenter notifications;
-    AbsentSounds sounds;
+    LinuxSounds sounds{log};
     AbsentHaptics haptics;
     AbsentWidgetCenter widgets;
     AbsentWorkspace workspace;

@@ -5,7 +5,6 @@
 #include "platform/NotificationCenter.h"
 #include "platform/OverlayPanel.h"
 #include "platform/Screens.h"
-#include "platform/Sounds.h"
 #include "platform/WidgetCenter.h"
 #include "platform/Windows.h"
 #include "platform/Workspace.h"
@@ -33,11 +32,6 @@ public:
     void requestAuthorization(std::vector<std::string>, std::function<void(Authorization)>) override {}
     void authorizationStatus(std::function<void(NotificationStatus)>) override {}
     void add(NotificationRequest, std::function<void(std::optional<std::string>)>) override {}
-};
-
-class AbsentSounds final : public Sounds {
-public:
-    NamedSound* named(std::string_view) override { return nullptr; }
 };
 
 class AbsentHaptics final : public Haptics {
