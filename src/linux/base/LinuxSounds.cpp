@@ -64,9 +64,13 @@ void LinuxSounds::give(Order order) {
     thread_ = std::thread([this] { run(); });
 }
 
-std::vector<LinuxSounds::Order> LinuxSounds::takeOrders() {
+std::optional<LinuxSounds::Order> LinuxSounds::takeOrder() {
     const std::lock_guard lock(mutex_);
-    return std::exchange(orders_, {});
+    if (orders_.empty())
+        return std::nullopt;
+    const Order order = orders_.front();
+    orders_.pop_front();
+    return order;
 }
 
 bool LinuxSounds::isClosing() {
@@ -82,7 +86,8 @@ void LinuxSounds::run() {
             if (!std::exchange(hasFailed_, true) && !isClosing())
                 logger_.error("Playing sounds failed: " + std::string(error.what()));
             // A sound that comes late is worse than none.
-            takeOrders();
+            const std::lock_guard lock(mutex_);
+            orders_.clear();
         }
         const std::lock_guard lock(mutex_);
         if (orders_.empty() || isClosing_) {
@@ -98,11 +103,12 @@ void LinuxSounds::play() {
     SoundMixer mixer;
     std::size_t silence = 0;
     while (silence < longestSilence && !isClosing()) {
-        for (const auto& order : takeOrders()) {
-            if (order.plays)
-                mixer.start(order.name, *synthesizeSound(order.name));
+        // One at a time: calculating several in a row would make those that play falter.
+        if (const auto order = takeOrder()) {
+            if (order->plays)
+                mixer.start(order->name, *synthesizeSound(order->name));
             else
-                mixer.stop(order.name);
+                mixer.stop(order->name);
         }
         playback.step([&](float* samples, std::size_t count) {
             silence = mixer.isSilent() ? silence + count : 0;

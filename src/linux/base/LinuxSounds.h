@@ -4,8 +4,10 @@
 #include "platform/Sounds.h"
 #include "support/Log.h"
 
+#include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -34,8 +36,7 @@ private:
     void give(Order order);
     void run();
     void play();
-    // Empty while nothing was ordered since the last call.
-    std::vector<Order> takeOrders();
+    std::optional<Order> takeOrder();
     bool isClosing();
 
     std::vector<std::unique_ptr<Sound>> sounds_;
@@ -43,7 +44,7 @@ private:
     bool hasFailed_ = false; // the playing thread only
 
     std::mutex mutex_;
-    std::vector<Order> orders_;
+    std::deque<Order> orders_;
     bool isRunning_ = false;
     bool isClosing_ = false;
     std::thread thread_;
