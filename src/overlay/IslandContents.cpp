@@ -15,7 +15,8 @@ constexpr double riseOffset = 6;
 constexpr double riseBlur = 4;
 constexpr double hiddenGlyphScale = 0.6;
 
-// A content that is replaced sinks back and blurs, the new one comes up from there.
+// A content that is replaced sinks back and blurs, soon gone so that two texts are never read at once; the new
+// one comes up from there.
 constexpr double replacedScale = 0.9;
 constexpr double replacedOffset = 4;
 constexpr double replacedBlur = 6;
@@ -60,7 +61,7 @@ void IslandContents::show(const IslandContent& content, std::int64_t token, Mann
     change(shadow_, strength, manner, animations::contentIn, now);
     std::erase_if(layers_, [&](const Layer& layer) { return !(layer.presence.value(now) > 0); });
     for (Layer& layer : layers_)
-        change(layer.presence, 0, manner, animations::contentIn, now);
+        change(layer.presence, 0, manner, animations::contentOut, now);
     layers_.push_back({token, content, AnimatedValue(0)});
     change(layers_.back().presence, 1, manner, animations::contentIn, now);
 }

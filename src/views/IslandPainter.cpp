@@ -91,6 +91,7 @@ void IslandPainter::paintBody(QPainter& painter, const IslandFrame& island, doub
     }
     painter.setOpacity(island.bodyOpacity);
     painter.fillPath(body, Qt::black);
+    painter.setOpacity(island.ringOpacity);
     paintRing(painter, island);
     painter.setClipPath(body);
     painter.setOpacity(island.contentOpacity);

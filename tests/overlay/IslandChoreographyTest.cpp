@@ -223,12 +223,12 @@ TEST(IslandChoreographyTest, aRetargetMovesTheRingAndReplacesTheText) {
     expectRect(h.frame().frame, {570, 0, 372, 104});
     EXPECT_EQ(h.frame().tint, charging.tint);
 
-    IslandFrame frame = h.frameAt(1.9);
+    IslandFrame frame = h.frameAt(1.87);
     ASSERT_EQ(frame.layers.size(), 2u);
-    const double arrived = sprung(0.35, 1, 0.1);
+    const double arrived = sprung(0.35, 1, 0.07);
     EXPECT_EQ(frame.layers[0].content, charging);
     EXPECT_EQ(frame.layers[1].content, other);
-    EXPECT_NEAR(frame.layers[0].opacity, 1 - arrived, 1e-9);
+    EXPECT_NEAR(frame.layers[0].opacity, 1 - swift.at(0.5), 1e-9);
     EXPECT_NEAR(frame.layers[1].opacity, arrived, 1e-9);
     EXPECT_GT(frame.layers[1].blur, 0);
     EXPECT_EQ(frame.title, (RiseIn{1, 0, 0}));
