@@ -16,11 +16,11 @@ namespace kivo {
 
 namespace {
 
-// A screen's frame in the global space: y points up from the bottom of the main screen.
+// A screen's frame in the global space: y points up from the lower left corner of the main screen.
 Rect globalFrame(const QScreen& screen) {
     const QRect place = screen.geometry();
     const QRect main = QGuiApplication::primaryScreen()->geometry();
-    return {static_cast<double>(place.x()), static_cast<double>(main.bottom() - place.bottom()),
+    return {static_cast<double>(place.x() - main.x()), static_cast<double>(main.bottom() - place.bottom()),
             static_cast<double>(place.width()), static_cast<double>(place.height())};
 }
 
