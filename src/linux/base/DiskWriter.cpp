@@ -26,6 +26,17 @@ void DiskWriter::write(std::string path, std::string text, Done done, KeepsOld k
         job->keepsOld = std::move(keepsOld);
     if (done)
         job->done.push_back(std::move(done));
+    startThread();
+}
+
+void DiskWriter::afterWrites(std::function<void()> task) {
+    const std::lock_guard lock(mutex_);
+    jobs_.push_back({{}, {}, nullptr, {[task = std::move(task)](const auto&) { task(); }}});
+    startThread();
+}
+
+// Called with the lock held.
+void DiskWriter::startThread() {
     if (isRunning_)
         return;
     // The thread before this one has found nothing left and is at its end.
@@ -70,6 +81,14 @@ void DiskWriter::run() {
 }
 
 void DiskWriter::perform(const Job& job) {
+    std::optional<std::string> error;
+    if (!job.path.empty())
+        error = replace(job);
+    for (const auto& done : job.done)
+        done(error);
+}
+
+std::optional<std::string> DiskWriter::replace(const Job& job) {
     if (cleaned_.insert(job.path).second)
         removeLeftovers(job.path);
     std::optional<std::string> error;
@@ -79,8 +98,7 @@ void DiskWriter::perform(const Job& job) {
     }
     if (!error)
         error = replaceWholeFile(job.path, job.text);
-    for (const auto& done : job.done)
-        done(error);
+    return error;
 }
 
 } // namespace kivo

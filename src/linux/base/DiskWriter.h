@@ -35,18 +35,22 @@ public:
     void write(std::string path, std::string text, Done done = {}, KeepsOld keepsOld = nullptr);
     // The same, and waits for the outcome.
     std::optional<std::string> writeAndWait(std::string path, std::string text);
+    // Runs `task` on the writer's thread once everything handed over so far is written (or has failed).
+    void afterWrites(std::function<void()> task);
     // Waits until everything handed over so far is written.
     void flush();
 
 private:
     struct Job {
-        std::string path;
+        std::string path; // empty: nothing to write
         std::string text;
         KeepsOld keepsOld;
         std::vector<Done> done;
     };
+    void startThread();
     void run();
     void perform(const Job& job);
+    std::optional<std::string> replace(const Job& job);
 
     std::mutex mutex_;
     std::condition_variable finished_;
