@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "linux/LinuxMachine.h"
 
+#include "linux/DBusWidgetCenter.h"
 #include "linux/LinuxAccessorySources.h"
 #include "linux/LinuxDeviceRegistry.h"
+#include "linux/LinuxNotificationCenter.h"
 #include "linux/LinuxPowerSources.h"
 #include "linux/LinuxProcessRunner.h"
+#include "linux/LinuxWorkspace.h"
 #include "linux/PowerProfiles.h"
 #include "linux/QtLoop.h"
+#include "linux/QtScreens.h"
 #include "linux/base/AbsentAccessibility.h"
 #include "linux/base/AbsentDesktop.h"
 #include "linux/base/AbsentLoginService.h"
@@ -15,6 +19,7 @@
 #include "linux/base/AbsentUpdateService.h"
 #include "linux/base/FileUserDefaults.h"
 #include "linux/base/JournalLog.h"
+#include "linux/base/LinuxHaptics.h"
 #include "linux/base/LinuxSounds.h"
 #include "linux/base/LinuxSupportFiles.h"
 
@@ -44,12 +49,12 @@ struct LinuxMachine::Services {
     AbsentRunningApplications applications;
     AbsentAccessibility accessibility;
 
-    AbsentScreens screens;
-    AbsentNotificationCenter notifications;
+    QtScreens screens;
+    LinuxNotificationCenter notifications{QDBusConnection::sessionBus()};
     LinuxSounds sounds{log};
-    AbsentHaptics haptics;
-    AbsentWidgetCenter widgets;
-    AbsentWorkspace workspace;
+    LinuxHaptics haptics;
+    DBusWidgetCenter widgets{QDBusConnection::sessionBus(), writer};
+    LinuxWorkspace workspace{QDBusConnection::sessionBus(), QDBusConnection::systemBus(), log};
     AbsentLoginService login;
     AbsentUpdateService updates;
 
