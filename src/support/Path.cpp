@@ -107,7 +107,7 @@ double elementLength(Point from, const Path::Element& element) {
 int chords(const Cubic& c, double tolerance) {
     const double bend = std::max(size(c[0] - c[1] * 2 + c[2]), size(c[1] - c[2] * 2 + c[3]));
     const double count = std::ceil(std::sqrt(0.75 * bend / tolerance));
-    return static_cast<int>(std::clamp(count, 1.0, 10'000.0));
+    return count > 1 ? static_cast<int>(std::min(count, 10'000.0)) : 1; // also where it is no number
 }
 
 } // namespace

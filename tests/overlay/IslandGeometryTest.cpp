@@ -84,6 +84,20 @@ TEST(IslandGeometryTest, theBodyFillsItsRectangleAndNeverLeavesIt) {
     }
 }
 
+TEST(IslandGeometryTest, rectanglesWithoutAreaStillHaveAnOutline) {
+    const double endless = std::numeric_limits<double>::infinity();
+    for (const Rect& rect :
+         {Rect{5, 5, 0, 0}, Rect{5, 5, 0, 40}, Rect{5, 5, 100, 0}, Rect{5, 5, -100, 40}, Rect{5, 5, 100, -40},
+          Rect{0, 0, 1e308, 1e308}, Rect{0, 0, endless, std::nan("")}}) {
+        SCOPED_TRACE(testing::Message() << rect.width << " × " << rect.height);
+        const Path body = IslandShape{30, 10}.path(rect);
+        EXPECT_TRUE(body.isClosed());
+        EXPECT_EQ(body.flattened(0.05).size(), 1u);
+        const RingSegment segment{{30, 10, 5}, 0.1, 0.3};
+        EXPECT_LE(segment.path(rect).flattened(0.05).size(), 2u);
+    }
+}
+
 // With room the edge bends without a kink and the bend grows from nothing; a circle would jump to 1 / radius.
 TEST(IslandGeometryTest, cornersAreContinuous) {
     const auto points = IslandShape{0, 30}.path(attached).flattened(1e-5)[0].points;
