@@ -35,6 +35,8 @@ AppCoordinator::AppCoordinator(Machine& machine, SettingsStore& settings)
                machine.processRunner()),
       devices_(machine.loop(), machine.accessorySources(), machine.registry(), machine.mobileDevices(),
                machine.standardDefaults(), machine.log()),
+      energy_(machine.loop(), machine.processes(), machine.applications(), machine.supportFiles(),
+              machine.workspace(), machine.log()),
       dismisser_(machine.loop(), machine.accessibility(), machine.workspace(), machine.log()),
       settings_(settings),
       notifier_(machine.loop(), machine.notifications(), machine.workspace(), machine.log()),
@@ -55,6 +57,7 @@ void AppCoordinator::start() {
     updater_.emplace(machine_.updates());
     monitor_.start();
     devices_.start();
+    energy_.start();
     machine_.loop().post(lifetime_.guard([this] { notifier_.requestAuthorization(); }));
 }
 

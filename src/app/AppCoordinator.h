@@ -8,6 +8,7 @@
 #include "core/SettingsStore.h"
 #include "devices/DeviceMonitor.h"
 #include "dismisser/SystemAlertDismisser.h"
+#include "energy/EnergyMonitor.h"
 #include "output/Notifier.h"
 #include "output/SoundPlayer.h"
 #include "overlay/OverlayPresenter.h"
@@ -44,6 +45,7 @@ public:
     SettingsStore& settings() { return settings_; }
     BatteryMonitor& monitor() { return monitor_; }
     DeviceMonitor& devices() { return devices_; }
+    EnergyMonitor& energy() { return energy_; }
     SystemAlertDismisser& dismisser() { return dismisser_; }
     // A null pointer before `start`.
     Updater* updater() { return updater_ ? &*updater_ : nullptr; }
@@ -72,6 +74,7 @@ private:
     Machine& machine_;
     BatteryMonitor monitor_;
     DeviceMonitor devices_;
+    EnergyMonitor energy_;
     SystemAlertDismisser dismisser_;
     std::optional<Updater> updater_;
     SettingsStore& settings_;

@@ -21,6 +21,8 @@ void AppDelegate::applicationDidFinishLaunching() {
         machine_.windows().open("onboarding");
 }
 
-void AppDelegate::applicationWillTerminate() {}
+void AppDelegate::applicationWillTerminate() {
+    coordinator_.energy().save();
+}
 
 } // namespace kivo

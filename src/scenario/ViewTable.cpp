@@ -22,6 +22,7 @@ const ViewTable& allViews() {
         addMenuView(views);
         addSettingsViews(views);
         addOnboardingView(views);
+        addEnergyViews(views);
         return views;
     }();
     return table;

@@ -36,6 +36,7 @@ void addIslandViews(ViewTable& views);
 void addMenuView(ViewTable& views);
 void addSettingsViews(ViewTable& views);
 void addOnboardingView(ViewTable& views);
+void addEnergyViews(ViewTable& views);
 
 // Every view that there is.
 const ViewTable& allViews();

@@ -55,12 +55,9 @@ std::optional<std::string> SimulatedFiles::read(std::string_view path) {
     return file == core_.state.support.end() ? std::nullopt : std::optional(file->second);
 }
 
-bool SimulatedFiles::keepAside(std::string_view path) {
-    const auto file = core_.state.support.find(path);
-    if (file == core_.state.support.end() || !core_.state.supportWritable)
-        return false;
-    core_.state.support.insert_or_assign(file->first + ".unreadable", file->second);
-    return true;
+// Nothing is kept here: the machine has the files that its description names and those that are written.
+bool SimulatedFiles::keepAside(std::string_view) {
+    return false;
 }
 
 std::optional<std::string> SimulatedFiles::write(std::string_view path, const std::string& text) {
