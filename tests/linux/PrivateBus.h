@@ -38,7 +38,8 @@ public:
         file.write("<busconfig><type>session</type><keep_umask/><listen>unix:tmpdir=/tmp</listen>"
                    "<auth>EXTERNAL</auth><policy context=\"default\"><allow user=\"*\"/>"
                    "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
-                   "<allow own=\"*\"/></policy></busconfig>");
+                   "<allow own=\"*\"/></policy><servicedir>" +
+                   folder.path().toUtf8() + "</servicedir></busconfig>");
         file.close();
         daemon_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         daemon_.start(QStringLiteral("dbus-daemon"),
