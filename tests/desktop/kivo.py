@@ -22,7 +22,8 @@ NORMAL, CHARGING, CRITICAL = (76, 217, 100), (52, 211, 91), (255, 59, 48)
 
 def rule(trigger, notifies=False, sound='none', position='top', threshold=None, glows=False):
     payload = {} if threshold is None else {'_0': threshold}
-    return {'id': str(uuid.uuid4()), 'trigger': {trigger: payload}, 'isEnabled': True, 'position': position, 'glowsScreen': glows, 'sound': sound, 'tint': 'auto', 'notifies': notifies}
+    return {'id': str(uuid.uuid4()), 'trigger': {trigger: payload}, 'isEnabled': True, 'position': position,
+            'glowsScreen': glows, 'sound': sound, 'tint': 'auto', 'notifies': notifies}
 
 
 def settings(*rules, **switches):

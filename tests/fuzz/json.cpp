@@ -1,22 +1,15 @@
 // SPDX-License-Identifier: MIT
-// What the JSON reader accepts, the writer must write so that it reads back as the same value.
+// What the JSON reader accepts, the writer writes so that it reads back as the same value.
 
-#include "support/Json.h"
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
+#include "Input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
-    kivo::PropertyValue value;
-    try {
-        value = kivo::json::parse(text);
-    } catch (const kivo::DecodingError&) {
+    using namespace kivo;
+    const auto value = fuzz::value(data, size);
+    if (!value)
         return 0;
-    }
-    const std::string written = kivo::json::write(value);
-    if (!(kivo::json::parse(written) == value) || kivo::json::write(kivo::json::parse(written)) != written)
-        std::abort();
+    const std::string written = json::write(*value);
+    fuzz::require(json::parse(written) == *value);
+    fuzz::require(json::write(json::parse(written)) == written);
     return 0;
 }
