@@ -1,0 +1,238 @@
+# SPDX-License-Identifier: MIT
+"""Measures Kivo beside bare programs that do the least of the same job; see scripts/bench."""
+import json
+import os
+import statistics
+import subprocess
+import sys
+import time
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+sys.path.insert(0, os.path.join(ROOT, 'tests', 'desktop'))
+
+import dbus  # noqa: E402
+
+from desktop import Desktop, wait_for  # noqa: E402
+
+BUILD = os.path.abspath(sys.argv[1])
+missed = 0
+
+
+def binary(name):
+    for folder in ('programs', 'bench'):
+        path = os.path.join(BUILD, folder, name)
+        if os.access(path, os.X_OK):
+            return path
+    sys.exit(f'{name} is not built')
+
+
+def report(what, kivo, floor, unit, most=None, absolute=None):
+    """One row: the aim is at most `most` times the floor, or at most `absolute`."""
+    global missed
+    ratio = kivo / floor if floor else float('nan')
+    aim, good = '', True
+    if most is not None:
+        aim, good = f'≤ {most:.2f}', ratio <= most
+    elif absolute is not None:
+        aim, good = f'≤ {absolute:g} {unit}', kivo <= absolute
+    missed += not good
+    floor_text = '' if floor is None else f'{floor:9.3f}'
+    ratio_text = '' if floor is None else f'{ratio:6.2f}'
+    print(f'{what:46} {kivo:9.3f} {floor_text:>9} {unit:5} {ratio_text:>6}  {aim:10} {"" if not aim else "ok" if good else "OVER"}',
+          flush=True)
+
+
+def write_settings(desktop, rules, **switches):
+    folder = desktop.path('home', 'config', 'kivo')
+    os.makedirs(folder, exist_ok=True)
+    number = iter(range(1, 99))
+    rules = [{'id': f'00000000-0000-4000-8000-{next(number):012d}', 'trigger': {name: {}}, 'isEnabled': True,
+              'position': 'top', 'glowsScreen': False, 'sound': 'none', 'tint': 'auto', 'notifies': notifies}
+             for name, notifies in rules]
+    with open(os.path.join(folder, 'settings.json'), 'w', encoding='utf-8') as file:
+        json.dump({'alertSettings.v2': {'rules': rules, **switches}, 'onboarding.completed.v1': True}, file)
+
+
+class Process:
+    """What the kernel counted for a process of ours."""
+
+    def __init__(self, process):
+        self.pid = process.pid
+
+    def cpu(self):
+        """CPU time in milliseconds: the kernel's clock of the whole process."""
+        return time.clock_gettime_ns((~self.pid << 3) | 2) / 1e6
+
+    def switches(self):
+        """How often its threads were woken."""
+        total = 0
+        for task in os.listdir(f'/proc/{self.pid}/task'):
+            with open(f'/proc/{self.pid}/task/{task}/status', encoding='utf-8') as status:
+                total += sum(int(line.split()[1]) for line in status if line.startswith('voluntary'))
+        return total
+
+    def memory(self):
+        with open(f'/proc/{self.pid}/smaps_rollup', encoding='utf-8') as rollup:
+            rows = dict(line.split()[:2] for line in list(rollup)[1:])
+        return int(rows['Rss:']) / 1024, int(rows['Anonymous:']) / 1024
+
+
+class Probe:
+    def __init__(self, desktop):
+        self.process = subprocess.Popen([binary('bench-probe')], env=desktop.env, stdin=subprocess.PIPE,
+                                        stdout=subprocess.PIPE, text=True)
+        self.name = self.process.stdout.readline().strip()
+
+    def ask(self, *command):
+        self.process.stdin.write(' '.join(map(str, command)) + '\n')
+        self.process.stdin.flush()
+        answer = self.process.stdout.readline().strip()
+        return None if answer == 'none' else answer if answer == 'done' else int(answer) / 1e3
+
+    def close(self):
+        self.process.stdin.close()
+        self.process.wait(5)
+        self.process.stdout.close()
+
+
+def settled(process):
+    """Waits until a program has nothing more to do."""
+    process = Process(process)
+    last = -1.0
+    end = time.monotonic() + 15
+    while time.monotonic() < end:
+        now = process.cpu()
+        if now == last:
+            return
+        last = now
+        time.sleep(0.4)
+
+
+def decision(desktop, probe):
+    write_settings(desktop, [('unplugged', True), ('pluggedIn', True)], showsOverlay=False)
+    floor = desktop.spawn('floor', [binary('bench-slot'), probe.name])
+    kivo = desktop.spawn('kivo', [binary('kivo')])
+    settled(floor)
+    settled(kivo)
+    found = {'floor': [], 'laptop': []}
+    for _ in range(200):
+        for who, values in found.items():
+            values.append(probe.ask('notify', who))
+            time.sleep(0.02)
+    desktop.end(floor)
+    compare('signal to decision', found, 2)
+
+    before = Process(kivo).switches()
+    probe.ask('foreign', 1000)
+    time.sleep(0.5)
+    report('wake-ups by 1000 signals of others', Process(kivo).switches() - before, None, '', absolute=4)
+    desktop.end(kivo)
+
+
+def presentation(desktop, probe):
+    write_settings(desktop, [('unplugged', False), ('pluggedIn', False)], showsOverlay=True)
+    floor = desktop.spawn('floor', [binary('bench-window'), probe.name])
+    kivo = desktop.spawn('kivo', [binary('kivo')])
+    settled(floor)
+    settled(kivo)
+    found = {'floor': [], 'laptop': []}
+    for turn in range(18):
+        floor_time = probe.ask('present', 'floor')
+        time.sleep(0.2)
+        probe.ask('flip', 'floor')  # hides it again
+        time.sleep(0.2)
+        island_time = probe.ask('present', 'laptop')
+        time.sleep(4.2)  # the island leaves
+        if turn >= 2:  # the first of each is no kept window
+            found['floor'].append(floor_time)
+            found['laptop'].append(island_time)
+    desktop.end(floor)
+    desktop.end(kivo)
+    compare("signal to the island's first frame", found, 1.5)
+
+
+def compare(what, found, most):
+    for who, values in found.items():
+        if None in values:
+            sys.exit(f'bench: {what}: {values.count(None)} of {len(values)} turns of {who} without an outcome')
+        values.sort()
+        print(f'    {"Kivo" if who == "laptop" else "floor"}: min {values[0]:.0f}, p50 {statistics.median(values):.0f}, '
+              f'p90 {values[len(values) * 9 // 10]:.0f} µs of {len(values)}')
+    report(f'{what}, p50', statistics.median(found['laptop']), statistics.median(found['floor']), 'µs', most)
+
+
+def latency():
+    """From the bus signal to the decision (a notification is posted), and to the first painting of an island."""
+    with Desktop(upower=False, notifications=False, sound=False) as desktop:
+        probe = Probe(desktop)
+        try:
+            decision(desktop, probe)
+            presentation(desktop, probe)
+        finally:
+            probe.close()
+
+
+def start():
+    """CPU time until the tray icon is registered."""
+    with Desktop(sound=False) as desktop:
+        write_settings(desktop, [])
+        spent = {'bench-tray': [], 'kivo': []}
+        bus = dbus.bus.BusConnection(desktop.env['DBUS_SESSION_BUS_ADDRESS'])
+        watcher = bus.get_object('org.kde.StatusNotifierWatcher', '/StatusNotifierWatcher', introspect=False)
+
+        def items():
+            return len(watcher.Get('org.kde.StatusNotifierWatcher', 'RegisteredStatusNotifierItems',
+                                   dbus_interface=dbus.PROPERTIES_IFACE))
+        for turn in range(11):
+            for name, found in spent.items():
+                wait_for('an empty tray', lambda: items() == 0)
+                process = desktop.spawn(name, [binary(name)])
+                wait_for(f'the icon of {name}', lambda: items() == 1, 10, 0.001)
+                settled(process)
+                if turn:
+                    found.append(Process(process).cpu())
+                desktop.end(process)
+        report('CPU from start to rest, tray icon there', statistics.median(spent['kivo']),
+               statistics.median(spent['bench-tray']), 'ms', 1.5)
+
+
+def idle():
+    """A minute at rest, and the memory of it."""
+    with Desktop(upower=False, notifications=False, sound=False) as desktop:
+        probe = Probe(desktop)
+        try:
+            write_settings(desktop, [])
+            # Alone one after the other, so that neither shares its pages with the other's.
+            rest = {}
+            for name in ('bench-tray', 'kivo'):
+                process = desktop.spawn(name, [binary(name)])
+                settled(process)
+                time.sleep(5)
+                seen = Process(process)
+                switches, cpu = seen.switches(), seen.cpu()
+                time.sleep(60)
+                rest[name] = (*seen.memory(), seen.switches() - switches, seen.cpu() - cpu)
+                desktop.end(process)
+        finally:
+            probe.close()
+    kivo, floor = rest['kivo'], rest['bench-tray']
+    report('resident memory at rest', kivo[0], floor[0], 'MB', 1.15)
+    report('anonymous memory at rest', kivo[1], floor[1], 'MB', absolute=5)
+    report('wake-ups in a minute at rest', kivo[2], floor[2], '', absolute=3)
+    report('CPU in a minute at rest', kivo[3], floor[3], 'ms', absolute=5)
+
+
+def main():
+    parts = {'latency': latency, 'start': start, 'idle': idle}
+    wanted = sys.argv[2:] or list(parts)
+    unknown = [name for name in wanted if name not in parts]
+    if unknown:
+        sys.exit(f'scripts/bench: there is no {unknown[0]} ({", ".join(parts)})')
+    print(f'{"":46} {"Kivo":>9} {"floor":>9} {"":5} {"ratio":>6}  aim')
+    for name in wanted:
+        parts[name]()
+    return 1 if missed else 0
+
+
+if __name__ == '__main__':
+    sys.exit(main())
