@@ -125,8 +125,8 @@ void EnergyMonitor::remember(const Readings& readings, Date time) {
     std::ranges::sort(previous_, [](const Counter& a, const Counter& b) {
         return a.pid != b.pid ? a.pid < b.pid : a.energyNanojoules > b.energyNanojoules;
     });
-    const auto doubles = std::ranges::unique(previous_, {}, &Counter::pid);
-    previous_.erase(doubles.begin(), doubles.end());
+    const auto isDouble = [](const Counter& a, const Counter& b) { return a.pid == b.pid; };
+    previous_.erase(std::unique(previous_.begin(), previous_.end(), isDouble), previous_.end());
     // Without counters the next interval has no beginning: all that was ever used would be booked again.
     lastSample_ = readings.empty() ? std::nullopt : std::optional(time);
 }
