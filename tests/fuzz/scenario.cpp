@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// A scenario of any form is refused with a message or played; a short one is played twice, and the whole system on
-// whatever machine it describes does the same both times.
+// A scenario of any form is refused with a message or played; a short one is played twice, and the whole system
+// on whatever machine it describes does the same both times.
 
-#include "Input.h"
 #include "scenario/Scenario.h"
+#include "Input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace kivo;
