@@ -21,7 +21,7 @@ void show(const BatterySnapshot& snapshot) {
     before.level = (snapshot.level + 37) % 101;
     before.source =
         snapshot.level % 2 == 0 ? BatterySnapshot::PowerSource::ac : BatterySnapshot::PowerSource::battery;
-    for (const FiredAlert& alert : evaluateMac(before, snapshot, defaultRules())) {
+    for (const FiredAlert& alert : AlertEngine::evaluateMac(before, snapshot, defaultRules())) {
         const IslandContent content = islandContent(alert);
         fuzz::require(!content.title.empty() && !content.subtitle.empty());
     }
