@@ -49,6 +49,20 @@ std::array<int, 3> boxRadii(double deviation) {
     return radii;
 }
 
+// Two pictures of the same size, part by part. Composition modes cannot do this: they saturate.
+QImage mixed(const QImage& first, const QImage& second, double share) {
+    QImage result(first.size(), first.format());
+    result.setDevicePixelRatio(first.devicePixelRatio());
+    const int weight = static_cast<int>(std::lround(share * 256));
+    const qsizetype count = result.sizeInBytes();
+    const uchar* a = first.constBits();
+    const uchar* b = second.constBits();
+    uchar* to = result.bits();
+    for (qsizetype i = 0; i < count; ++i)
+        to[i] = static_cast<uchar>((a[i] * (256 - weight) + b[i] * weight + 128) >> 8);
+    return result;
+}
+
 } // namespace
 
 QImage blurred(const QImage& image, double deviation) {
@@ -88,21 +102,14 @@ void SoftImage::paint(QPainter& painter, QPointF position, double radius, double
     const double place = std::clamp(radius / maxRadius_, 0.0, 1.0) * (levelCount - 1);
     const auto lower = static_cast<std::size_t>(place);
     const double share = place - static_cast<double>(lower);
-    const QPointF corner = position - QPointF(margin_, margin_);
     painter.save();
-    const double outer = painter.opacity() * std::min(opacity, 1.0);
+    painter.setOpacity(painter.opacity() * std::min(opacity, 1.0));
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    if (share < 0.01) {
-        painter.setOpacity(outer);
+    const QPointF corner = position - QPointF(margin_, margin_);
+    if (share < 0.01)
         painter.drawImage(corner, levels_[lower]);
-    } else {
-        // Added light, so that the two halves of the mix do not cover each other.
-        painter.setCompositionMode(QPainter::CompositionMode_Plus);
-        painter.setOpacity(outer * (1 - share));
-        painter.drawImage(corner, levels_[lower]);
-        painter.setOpacity(outer * share);
-        painter.drawImage(corner, levels_[lower + 1]);
-    }
+    else
+        painter.drawImage(corner, mixed(levels_[lower], levels_[lower + 1], share));
     painter.restore();
 }
 

@@ -5,6 +5,8 @@
 
 #include <vector>
 
+class QPainter;
+
 namespace kivo {
 
 // A blur of radius r is a Gaussian of deviation r / 2: at r a hard edge has faded.
@@ -26,8 +28,8 @@ public:
     bool isNull() const { return levels_.empty(); }
     // Without the margin, in points.
     QSizeF size() const;
-    // With its top left corner (without the margin) at `position`. On black, a mix is exact.
-    void paint(class QPainter& painter, QPointF position, double radius, double opacity) const;
+    // With its top left corner (without the margin) at `position`.
+    void paint(QPainter& painter, QPointF position, double radius, double opacity) const;
 
 private:
     std::vector<QImage> levels_; // radii 0 … maxRadius in equal steps

@@ -11,36 +11,34 @@ namespace kivo::edgeglow {
 
 namespace {
 
-// One axis: the share of light that a blurred interval [from, to] leaves at each of `count` pixels.
-std::vector<float> profile(double from, double to, double deviation, double start, int count, double scale) {
+// One axis of a frame along a screen's edges: how much of its inside reaches each of `count` pixels once the
+// frame is blurred. What would go out over an edge comes back: it is light, and it comes from there.
+std::vector<float> inside(double thickness, double deviation, double length, double start, int count,
+                          double scale) {
     std::vector<float> values(static_cast<std::size_t>(count));
     const double width = deviation * std::sqrt(2.0);
+    auto band = [&](double distance) {
+        return 0.5 * (std::erf((thickness - distance) / width) + std::erf((thickness + distance) / width));
+    };
     for (int i = 0; i < count; ++i) {
         const double x = start + (i + 0.5) / scale;
-        values[static_cast<std::size_t>(i)] =
-            static_cast<float>(0.5 * (std::erf((to - x) / width) - std::erf((from - x) / width)));
+        values[static_cast<std::size_t>(i)] = static_cast<float>(1 - band(x) - band(length - x));
     }
     return values;
 }
 
-// A frame of `thickness` along the inside of the screen's edge, blurred.
 class BlurredFrame {
 public:
     BlurredFrame(double thickness, double deviation, QSizeF screen, const QRectF& strip, QSize pixels,
-                 double scale) {
-        outerX_ = profile(0, screen.width(), deviation, strip.x(), pixels.width(), scale);
-        outerY_ = profile(0, screen.height(), deviation, strip.y(), pixels.height(), scale);
-        innerX_ = profile(thickness, screen.width() - thickness, deviation, strip.x(), pixels.width(), scale);
-        innerY_ = profile(thickness, screen.height() - thickness, deviation, strip.y(), pixels.height(), scale);
-    }
+                 double scale)
+        : x_(inside(thickness, deviation, screen.width(), strip.x(), pixels.width(), scale)),
+          y_(inside(thickness, deviation, screen.height(), strip.y(), pixels.height(), scale)) {}
     float at(int x, int y) const {
-        const auto i = static_cast<std::size_t>(x);
-        const auto j = static_cast<std::size_t>(y);
-        return outerX_[i] * outerY_[j] - innerX_[i] * innerY_[j];
+        return 1 - x_[static_cast<std::size_t>(x)] * y_[static_cast<std::size_t>(y)];
     }
 
 private:
-    std::vector<float> outerX_, outerY_, innerX_, innerY_;
+    std::vector<float> x_, y_;
 };
 
 } // namespace

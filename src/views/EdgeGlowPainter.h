@@ -10,7 +10,7 @@
 namespace kivo {
 
 // The coloured light along a screen's edges at full brightness. It is worked out in closed form (a blurred
-// band is a difference of products of error functions), so corners are exact and no blur runs. Being light and
+// band is a product of error functions), so corners are exact and no blur runs. Being light and
 // not an image, it spreads wide: its radii are the deviations.
 namespace edgeglow {
 

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "Stage.h"
+#include "devices/PowerDevice.h"
+#include "views/EdgeGlowPainter.h"
+#include "views/SymbolPainter.h"
+#include "views/TrayImage.h"
+
+#include <gtest/gtest.h>
+
+namespace kivo {
+namespace {
+
+QImage blank(int side) {
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+int painted(const QImage& image) {
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            count += qAlpha(image.pixel(x, y)) > 127;
+    }
+    return count;
+}
+
+TEST(SymbolPainter, DrawsEveryDeviceInTheColourAskedFor) {
+    SymbolPainter symbols;
+    for (const auto& category : deviceCategories) {
+        SCOPED_TRACE(category.name);
+        QImage image = blank(48);
+        QPainter painter(&image);
+        symbols.paint(painter, symbol(category.value), {0, 0, 48, 48}, toQColor(red));
+        painter.end();
+        EXPECT_GT(painted(image), 150);
+        for (int y = 0; y < 48; ++y) {
+            for (int x = 0; x < 48; ++x) {
+                if (qAlpha(image.pixel(x, y)) == 255) {
+                    ASSERT_TRUE(isNear(image.pixelColor(x, y), toQColor(red), 2));
+                }
+            }
+        }
+    }
+}
+
+TEST(SymbolPainter, AnUnknownNameDrawsNothing) {
+    SymbolPainter symbols;
+    QImage image = blank(32);
+    QPainter painter(&image);
+    symbols.paint(painter, "no.such.symbol", {0, 0, 32, 32}, Qt::white);
+    painter.end();
+    EXPECT_EQ(painted(image), 0);
+    EXPECT_FALSE(SymbolPainter::has("no.such.symbol"));
+}
+
+TEST(Blur, KeepsTheLightAndSpreadsItAsAGaussianDoes) {
+    for (double deviation : {2.0, 3.5, 11.0, 22.0}) {
+        SCOPED_TRACE(deviation);
+        constexpr int side = 201;
+        QImage image = blank(side);
+        // An edge across the middle, far from all others.
+        for (int y = 0; y < side; ++y) {
+            for (int x = 0; x <= side / 2; ++x)
+                image.setPixelColor(x, y, Qt::white);
+        }
+        const QImage soft = blurred(image, deviation);
+        for (double distance : {-2.0, -1.0, 0.0, 1.0, 2.0}) {
+            const int x = side / 2 + static_cast<int>(std::lround(distance * deviation));
+            const double exact = 0.5 * std::erfc((x - side / 2 - 0.5) / deviation / std::sqrt(2.0));
+            EXPECT_NEAR(qAlpha(soft.pixel(x, side / 2)) / 255.0, exact, 0.035) << "at " << distance;
+        }
+    }
+}
+
+TEST(SoftImage, IsItselfWhenSharpAndKeepsItsLightWhenSoft) {
+    QImage image = blank(60);
+    for (int y = 25; y < 35; ++y) {
+        for (int x = 25; x < 35; ++x)
+            image.setPixelColor(x, y, Qt::white);
+    }
+    const SoftImage soft(image, 20, 8);
+    EXPECT_EQ(soft.size(), QSizeF(20, 20));
+    auto light = [&](double radius, double opacity) {
+        QImage ground(60, 60, QImage::Format_ARGB32_Premultiplied);
+        ground.fill(Qt::black);
+        QPainter painter(&ground);
+        soft.paint(painter, {20, 20}, radius, opacity);
+        painter.end();
+        double sum = 0;
+        for (int y = 0; y < 60; ++y) {
+            for (int x = 0; x < 60; ++x)
+                sum += qRed(ground.pixel(x, y)) / 255.0;
+        }
+        return sum;
+    };
+    EXPECT_NEAR(light(0, 1), 100, 0.01);
+    for (double radius : {0.7, 1.0, 3.0, 5.9, 8.0})
+        EXPECT_NEAR(light(radius, 1), 100, 6) << "radius " << radius;
+    EXPECT_NEAR(light(3, 0.5), 50, 4);
+}
+
+TEST(EdgeGlow, StripsFrameTheScreenOnce) {
+    for (const QSizeF screen : {QSizeF(1440, 900), QSizeF(3840, 2160), QSizeF(300, 200)}) {
+        SCOPED_TRACE(screen.width());
+        QRegion all;
+        int area = 0;
+        for (edgeglow::Edge edge : edgeglow::edges) {
+            const QRect strip = edgeglow::strip(edge, screen).toAlignedRect();
+            all += strip;
+            area += strip.width() * strip.height();
+        }
+        int covered = 0;
+        for (const QRect& part : all)
+            covered += part.width() * part.height();
+        EXPECT_EQ(covered, area) << "no overlap";
+        EXPECT_EQ(all.boundingRect(), QRect({}, screen.toSize()));
+    }
+}
+
+TEST(EdgeGlow, FadesFromTheEdgeToNothingAndMeetsAtTheCorners) {
+    const QSizeF screen(1440, 900);
+    const QImage top = edgeglow::paint(edgeglow::Edge::top, screen, red, 1);
+    const QImage left = edgeglow::paint(edgeglow::Edge::left, screen, red, 1);
+    const QImage right = edgeglow::paint(edgeglow::Edge::right, screen, red, 1);
+    for (int y = 1; y < top.height(); ++y)
+        EXPECT_LE(qAlpha(top.pixel(720, y)), qAlpha(top.pixel(720, y - 1)));
+    EXPECT_GT(qAlpha(top.pixel(720, 0)), 140);
+    EXPECT_LE(qAlpha(top.pixel(720, top.height() - 1)), 1);
+    EXPECT_GT(qAlpha(top.pixel(0, 0)), qAlpha(top.pixel(720, 0)));
+    for (int i : {0, 10, 60, 131}) {
+        EXPECT_EQ(top.pixel(i, 40), top.pixel(1439 - i, 40)) << "the same on both sides";
+        EXPECT_EQ(left.pixel(i, 300), right.pixel(131 - i, 300));
+        EXPECT_NEAR(qAlpha(left.pixel(i, 0)), qAlpha(top.pixel(i, 131)), 3) << "no seam between the strips";
+    }
+    EXPECT_EQ(edgeglow::paint(edgeglow::Edge::bottom, screen, red, 2).size(), QSize(2880, 264));
+}
+
+TEST(TrayImage, ShowsTheLevelInTheRightColour) {
+    struct Row {
+        const char* label;
+        BatterySnapshot snapshot;
+        MenuBarStyle style;
+        QColor fill; // in the left part of the battery
+        bool isFilled;
+    };
+    const QColor ink(245, 245, 247);
+    const Row rows[] = {
+        {"ordinary", {.level = 64}, MenuBarStyle::glyphAndPercent, ink, true},
+        {"charging", {.level = 64, .isCharging = true}, MenuBarStyle::glyphAndPercent, toQColor(green), true},
+        {"charging, compact", {.level = 64, .isCharging = true}, MenuBarStyle::compact, toQColor(green), true},
+        {"low", {.level = 15}, MenuBarStyle::glyphAndPercent, toQColor(color(LevelTone::low)), true},
+        {"empty", {.level = 0}, MenuBarStyle::glyphAndPercent, toQColor(color(LevelTone::critical)), false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.label);
+        SymbolPainter symbols;
+        const QImage image = paintTrayImage(menuBarLabel(row.snapshot, row.style), 64, ink, symbols);
+        const int y = row.style == MenuBarStyle::compact ? 24 : 16;
+        EXPECT_EQ(isNear(image.pixelColor(6, y), row.fill), row.isFilled) << text(image.pixelColor(6, y));
+    }
+}
+
+} // namespace
+} // namespace kivo
