@@ -137,7 +137,7 @@ TEST(IslandPainter, ARetargetMixesBothTextsAndEndsWithTheNewOne) {
     IslandContent second = batteryContent(60);
     second.title = "i";
     film.present(second);
-    film.advanceTo(2.06);
+    film.advanceTo(2.02);
     const QRectF oldText(660, 46, 60, 18);
     const int between = brightest(photograph(film), oldText);
     EXPECT_GT(between, 20);
