@@ -8,6 +8,7 @@
 #include "support/Json.h"
 #include "support/VirtualLoop.h"
 
+#include <future>
 #include <gtest/gtest.h>
 
 namespace kivo {
@@ -144,6 +145,29 @@ TEST(DiskWriter, TheNewestTextWinsAndEveryoneHearsTheOutcome) {
     }
     EXPECT_EQ(outcomes, 500);
     EXPECT_EQ(textOf(path), "at the end");
+}
+
+// The thread that hands texts over must never wait for a slow disk; here one that takes until the end.
+TEST(DiskWriter, ASlowDiskHoldsNobody) {
+    const TestFolder folder;
+    std::promise<void> diskIsReady;
+    std::vector<int> order;
+    {
+        DiskWriter writer;
+        std::promise<void> started;
+        writer.write(folder / "slow", "", [&](const auto&) {
+            started.set_value();
+            diskIsReady.get_future().wait();
+        });
+        started.get_future().wait();
+        writer.write(folder / "a", "old", [&](const auto&) { order.push_back(1); });
+        writer.afterWrites([&] { order.push_back(textOf(folder / "a") == "new" ? 2 : 0); });
+        writer.write(folder / "a", "new");
+        writer.write(folder / "b", "", [&](const auto&) { order.push_back(3); });
+        EXPECT_EQ(folder.names(), Names{"slow"});
+        diskIsReady.set_value();
+    }
+    EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
 }
 
 TEST(LinuxSupportFiles, StayInsideTheirFolderAndReportOnTheMainLoop) {

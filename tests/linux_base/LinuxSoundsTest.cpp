@@ -18,12 +18,13 @@ namespace {
 using namespace std::chrono_literals;
 
 bool eventually(const std::function<bool()>& condition) {
-    for (int i = 0; i < 500; ++i) {
-        if (condition())
-            return true;
-        std::this_thread::sleep_for(10ms);
+    const auto deadline = std::chrono::steady_clock::now() + 10s;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(20ms);
     }
-    return false;
+    return true;
 }
 
 bool holdsLibrary() {
