@@ -49,6 +49,12 @@ TEST(DefaultsFile, GivesBackExactlyWhatWasStored) {
         EXPECT_EQ(defaults::decode(text), (Dictionary{{"key", it.value}}));
     }
     EXPECT_EQ(defaults::decode(defaults::encode({})), Dictionary());
+
+    // As deep as a text may be: in the file it would stand one level deeper.
+    const Dictionary deep{{"key", data(std::string(256, '[') + std::string(256, ']'))}};
+    EXPECT_EQ(defaults::decode(defaults::encode(deep)), deep);
+    const Dictionary several{{"key", data("[],[]")}, {"other", data("")}};
+    EXPECT_EQ(defaults::decode(defaults::encode(several)), several);
 }
 
 TEST(DefaultsFile, RefusesWhatIsNoSuchFile) {

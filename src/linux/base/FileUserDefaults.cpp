@@ -56,7 +56,11 @@ std::string fromHexadecimal(std::string_view digits) {
 
 PropertyValue encodeData(const std::string& bytes) {
     try {
-        auto value = json::parse(bytes);
+        // Within brackets, because a text that is as deep as can be read is too deep for inside the file.
+        const auto enclosed = json::parse("[" + bytes + "]");
+        if (enclosed.array()->size() != 1)
+            throw DecodingError("several values");
+        const auto& value = enclosed.array()->front();
         if ((value.array() || value.dictionary()) && !isMarked(value) && json::write(value) == bytes)
             return value;
     } catch (const DecodingError&) {
