@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "energy/EnergyLedgerText.h"
+#include "platform/Workspace.h"
 #include "scenario/ScenarioRun.h"
 #include "scenario/ViewTable.h"
 #include "support/Json.h"
+#include "ui/EnergyPane.h"
 
 namespace kivo {
 namespace {
@@ -31,17 +33,45 @@ PropertyValue energy(ScenarioRun& run) {
                       {"insight", insight ? record(*insight) : PropertyValue()}};
 }
 
+EnergyMonitor::Window windowNamed(const std::string& name, const std::string& what) {
+    if (const auto window = EnergyMonitor::windows.value(name))
+        return *window;
+    reading::mismatch(what, "\"now\", \"hour\", \"day\", \"week\" or \"month\"", PropertyValue(name));
+}
+
 ViewTable::View readUsage(RecordReader& options) {
-    const auto window = EnergyMonitor::windows.value(options.requireString("window"));
-    if (!window)
-        reading::mismatch(options.path("window"), "\"now\", \"hour\", \"day\", \"week\" or \"month\"",
-                          options.require("window"));
+    const auto window = windowNamed(options.requireString("window"), options.path("window"));
     const bool apps = options.optionalBool("apps").value_or(true);
     const auto limit = options.optionalInteger("limit").value_or(usualLimit);
     if (limit < 0)
         reading::mismatch(options.path("limit"), "an integer of at least 0", options.require("limit"));
     return [=](ScenarioRun& run) {
-        return record(run.coordinator()->energy().usage(*window, apps, static_cast<std::size_t>(limit)));
+        return record(run.coordinator()->energy().usage(window, apps, static_cast<std::size_t>(limit)));
+    };
+}
+
+PropertyValue record(const EnergyPaneContent& pane) {
+    Array rows;
+    for (const auto& row : pane.rows)
+        rows.push_back(
+            Dictionary{{"name", row.name}, {"value", row.value}, {"share", row.share}, {"icon", row.icon}});
+    PropertyValue empty;
+    if (pane.empty) {
+        empty = Dictionary{
+            {"symbol", pane.empty->symbol}, {"title", pane.empty->title}, {"text", pane.empty->text}};
+    }
+    return Dictionary{{"title", pane.title},     {"subtitle", pane.subtitle},
+                      {"insight", pane.insight}, {"rows", std::move(rows)},
+                      {"empty", empty},          {"footnote", pane.footnote}};
+}
+
+ViewTable::View readPane(RecordReader& options) {
+    const auto window = windowNamed(options.optionalString("window").value_or("day"), options.path("window"));
+    const bool showsApps = options.optionalBool("showsApps").value_or(true);
+    return [=](ScenarioRun& run) {
+        const auto calendar = TimeZone::named(run.machine().workspace().timeZone());
+        return record(
+            energyPaneContent(run.coordinator()->energy(), window, showsApps, calendar.value_or(TimeZone())));
     };
 }
 
@@ -50,6 +80,7 @@ ViewTable::View readUsage(RecordReader& options) {
 void addEnergyViews(ViewTable& views) {
     views.addPlain("energy", energy);
     views.add("usage", readUsage);
+    views.add("settings.energy", readPane);
 }
 
 } // namespace kivo
