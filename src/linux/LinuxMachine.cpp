@@ -33,8 +33,9 @@ struct LinuxMachine::Services {
     UPower upower{loop, log, QDBusConnection::systemBus()};
     KernelPower kernelPower{loop};
     LinuxPowerSources powerSources{loop, upower, kernelPower};
-    LinuxAccessorySources accessorySources{loop, upower};
-    LinuxDeviceRegistry registry{powerSources};
+    Bluez bluez{QDBusConnection::systemBus()};
+    LinuxAccessorySources accessorySources{loop, upower, bluez, kernelPower};
+    LinuxDeviceRegistry registry{powerSources, accessorySources};
     PowerProfiles powerState{loop, QDBusConnection::systemBus()};
     LinuxProcessRunner processRunner{loop, registry};
     AbsentMobileDevices mobileDevices;
