@@ -2,6 +2,7 @@
 #include "linux/LinuxAccessorySources.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kivo {
 namespace {
@@ -10,11 +11,34 @@ using namespace std::chrono_literals;
 
 // Longer than the time between two polls of the list, so that a restart of UPower disconnects nothing.
 constexpr Duration patience = 45s;
+constexpr Duration firstPatience = 2s;
 
 } // namespace
 
 bool LinuxAccessorySources::isComplete() const {
-    return upower_.availability() != UPower::Availability::waiting && bluez_.isKnown();
+    const auto upower = upower_.availability();
+    const bool isUPowerKnown = upower == UPower::Availability::present ||
+                               (upower == UPower::Availability::absent && kernel_.supplies());
+    return isUPowerKnown && bluez_.isKnown();
+}
+
+void LinuxAccessorySources::whenComplete(std::function<void()> task) {
+    waiting_ = std::move(task);
+    waits_.push_back(upower_.onChange([this] { considerWaiting(); }));
+    waits_.push_back(bluez_.onChange([this] { considerWaiting(); }));
+    waits_.push_back(kernel_.onChange([this] { considerWaiting(); }));
+    waits_.push_back(loop_.after(isComplete() ? Duration(0) : firstPatience, [this] { endWaiting(); }));
+}
+
+void LinuxAccessorySources::considerWaiting() {
+    if (isComplete())
+        endWaiting();
+}
+
+void LinuxAccessorySources::endWaiting() {
+    waits_.clear();
+    if (const auto task = std::exchange(waiting_, nullptr))
+        task();
 }
 
 bool LinuxAccessorySources::standsForUPower() const {

@@ -7,6 +7,10 @@
 #include "platform/PowerSources.h"
 #include "support/MainLoop.h"
 
+#include <functional>
+#include <optional>
+#include <vector>
+
 namespace kivo {
 
 // The batteries of accessories that UPower and BlueZ know, one description a device. While UPower is replaced,
@@ -19,6 +23,9 @@ public:
 
     // Whether everybody who knows accessories has answered, or is known to be absent.
     bool isComplete() const;
+    // Runs `task` once the list is complete, or after two seconds, but not within this call. What starts with
+    // an incomplete list would take accessories that were always there for newly connected ones.
+    void whenComplete(std::function<void()> task);
 
     bool resolve() override { return true; }
     // Nothing before anybody has answered.
@@ -28,6 +35,8 @@ public:
 
 private:
     bool standsForUPower() const;
+    void considerWaiting();
+    void endWaiting();
 
     MainLoop& loop_;
     UPower& upower_;
@@ -35,6 +44,8 @@ private:
     KernelPower& kernel_;
     UPowerDevices last_;                // UPower's devices when it was there
     std::optional<Duration> presentAt_; // when that was
+    std::function<void()> waiting_;
+    std::vector<Subscription> waits_;
 };
 
 } // namespace kivo

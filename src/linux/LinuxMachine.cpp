@@ -23,6 +23,8 @@
 #include "linux/base/LinuxSounds.h"
 #include "linux/base/LinuxSupportFiles.h"
 
+#include <utility>
+
 namespace kivo {
 
 // In the order of their dependencies: each may use those above it.
@@ -73,6 +75,10 @@ void LinuxMachine::provide(OverlayPanel& overlayPanel) {
 }
 void LinuxMachine::provide(Windows& windows) {
     services_->windows = &windows;
+}
+
+void LinuxMachine::whenSettled(std::function<void()> task) {
+    services_->accessorySources.whenComplete(std::move(task));
 }
 
 MainLoop& LinuxMachine::loop() {

@@ -220,13 +220,35 @@ TEST_F(LinuxAccessorySourcesTest, withoutUPowerTheKernelsDevicesCountOnce) {
     EXPECT_TRUE(sources->isComplete());
 }
 
-TEST_F(LinuxAccessorySourcesTest, aSilentBluezHoldsUpUPowersOnlyAtFirst) {
+TEST_F(LinuxAccessorySourcesTest, launchingWaitsForTheFirstList) {
+    startUPower();
+    startBluez();
+    start();
+    std::string atLaunch;
+    sources->whenComplete([&] { atLaunch = seen(); });
+    EXPECT_EQ(atLaunch, "");
+    EXPECT_TRUE(eventually([&] {
+        loop.runPosted();
+        return atLaunch == "WH 80,MX Master 42,|";
+    })) << atLaunch;
+    sources->whenComplete([&] { atLaunch = "again"; });
+    EXPECT_NE(atLaunch, "again") << "never within the call";
+    loop.advance(0s);
+    EXPECT_EQ(atLaunch, "again");
+}
+
+TEST_F(LinuxAccessorySourcesTest, launchingDoesNotWaitForASilentService) {
     startUPower();
     startBluez();
     bluezd->isSilent = true;
     start();
+    std::string atLaunch;
+    sources->whenComplete([&] { atLaunch = seen(); });
     comes("MX Master 42,|");
-    EXPECT_FALSE(sources->isComplete());
+    loop.advance(1999ms);
+    EXPECT_EQ(atLaunch, "");
+    loop.advance(1ms);
+    EXPECT_EQ(atLaunch, "MX Master 42,|");
 }
 
 } // namespace
