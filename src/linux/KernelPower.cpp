@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "linux/KernelPower.h"
 
-#include "linux/base/Accessories.h"
 #include "linux/base/KernelSupplies.h"
 
 #include <QSocketNotifier>
@@ -66,16 +65,14 @@ void KernelPower::read() {
     }
     isReading_ = true;
     loop_.background([folder = folder_, self = self_]() -> MainLoop::Continuation {
-        const auto all = readKernelSupplies(folder);
-        return [self, supplies = suppliesFromKernel(all), inputDevices = inputDeviceProperties(all)] {
+        return [self, supplies = suppliesFromKernel(readKernelSupplies(folder))] {
             if (*self)
-                (*self)->finished(supplies, inputDevices);
+                (*self)->finished(supplies);
         };
     });
 }
 
-void KernelPower::finished(Supplies supplies, std::vector<Dictionary> inputDevices) {
-    inputDevices_ = std::move(inputDevices);
+void KernelPower::finished(Supplies supplies) {
     isReading_ = false;
     if (std::exchange(mustReadAgain_, false))
         read();

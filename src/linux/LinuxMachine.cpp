@@ -23,8 +23,6 @@
 #include "linux/base/LinuxSounds.h"
 #include "linux/base/LinuxSupportFiles.h"
 
-#include <utility>
-
 namespace kivo {
 
 // In the order of their dependencies: each may use those above it.
@@ -35,9 +33,8 @@ struct LinuxMachine::Services {
     UPower upower{loop, log, QDBusConnection::systemBus()};
     KernelPower kernelPower{loop};
     LinuxPowerSources powerSources{loop, upower, kernelPower};
-    Bluez bluez{QDBusConnection::systemBus()};
-    LinuxAccessorySources accessorySources{loop, upower, bluez, kernelPower};
-    LinuxDeviceRegistry registry{powerSources, accessorySources};
+    LinuxAccessorySources accessorySources{loop, upower};
+    LinuxDeviceRegistry registry{powerSources};
     PowerProfiles powerState{loop, QDBusConnection::systemBus()};
     LinuxProcessRunner processRunner{loop, registry};
     AbsentMobileDevices mobileDevices;
@@ -75,10 +72,6 @@ void LinuxMachine::provide(OverlayPanel& overlayPanel) {
 }
 void LinuxMachine::provide(Windows& windows) {
     services_->windows = &windows;
-}
-
-void LinuxMachine::whenSettled(std::function<void()> task) {
-    services_->accessorySources.whenComplete(std::move(task));
 }
 
 MainLoop& LinuxMachine::loop() {

@@ -52,7 +52,7 @@ PropertyValue outline(const Path& path) {
     for (const Path::Polyline& line : path.flattened(flatness)) {
         Array points;
         for (const Point& point : line.points)
-            points.push_back(Array{point.x, point.y});
+            points.push_back(record(point));
         subpaths.push_back(std::move(points));
     }
     return Dictionary{

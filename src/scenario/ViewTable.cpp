@@ -19,6 +19,7 @@ const ViewTable& allViews() {
         ViewTable views;
         addStateView(views);
         addIslandViews(views);
+        addLabelView(views);
         addMenuView(views);
         addSettingsViews(views);
         addOnboardingView(views);

@@ -33,6 +33,7 @@ private:
 
 void addStateView(ViewTable& views);
 void addIslandViews(ViewTable& views);
+void addLabelView(ViewTable& views);
 void addMenuView(ViewTable& views);
 void addSettingsViews(ViewTable& views);
 void addOnboardingView(ViewTable& views);

@@ -22,6 +22,10 @@ PropertyValue plainNumber(double value) {
     return value;
 }
 
+PropertyValue record(Point point) {
+    return Array{plainNumber(point.x), plainNumber(point.y)};
+}
+
 PropertyValue record(const Rect& rect) {
     return Array{plainNumber(rect.x), plainNumber(rect.y), plainNumber(rect.width), plainNumber(rect.height)};
 }

@@ -34,6 +34,8 @@ private:
 
 // A number as people write it: without a fraction when it has none.
 PropertyValue plainNumber(double value);
+// [x, y]
+PropertyValue record(Point point);
 // [x, y, w, h]
 PropertyValue record(const Rect& rect);
 // [w, h]

@@ -92,8 +92,8 @@ struct UpdateState {
 };
 
 // All that a simulated machine is made of. It outlives the processes that run on it; services read it anew at
-// each call and write back what the system changes. The defaults are a laptop without a battery's description
-// on a desk, with everything granted.
+// each call and write back what the system changes. The defaults are a computer without a battery, with
+// everything granted.
 struct MachineState {
     MachineState();
 

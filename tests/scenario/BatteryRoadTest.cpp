@@ -66,6 +66,24 @@ TEST(BatteryRoad, WithoutChangeReportsTheMenuReads) {
         << "the profiler is still at it";
 }
 
+TEST(BatteryRoad, TheLabelFollowsTheBatteryAndTheStyle) {
+    const auto label = [](const char* machine, const char* style) {
+        return json::write(
+            lastView(scenario(machine, R"({"at": 0, "settings": {"menuBarStyle": ")" + std::string(style) +
+                                           R"("}}, {"at": 0, "print": "label"})")));
+    };
+    const char* low = R"("powerSources": $battery(9))";
+    EXPECT_EQ(label(low, "glyphAndPercent"),
+              R"({"glyph":{"accessibilityLabel":"Battery 9 percent","height":12,"isCharging":false,"level":9,)"
+              R"("showsNumber":false,"tint":[255,59,48]},"symbol":null,"text":"9%"})");
+    EXPECT_EQ(
+        label(R"("powerSources": $battery(50))", "compact"),
+        R"({"glyph":{"accessibilityLabel":"Battery 50 percent","height":14,"isCharging":false,"level":50,)"
+        R"("showsNumber":true,"tint":"primary"},"symbol":null,"text":null})");
+    EXPECT_EQ(label(low, "percentOnly"), R"({"glyph":null,"symbol":null,"text":"9%"})");
+    EXPECT_EQ(label("", "compact"), R"({"glyph":null,"symbol":"powerplug.portrait","text":null})");
+}
+
 TEST(BatteryRoad, TheIslandGrowsOnTheScreenUnderTheMouse) {
     const auto events =
         play(scenario(R"("screens": [{"frame": [0, 0, 1440, 900]}, {"frame": [1440, 0, 1512, 982],
