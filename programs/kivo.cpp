@@ -84,7 +84,7 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
         if (action == testAlertAction)
             testAlert(coordinator);
     };
-    machine.loop().post([&] {
+    machine.whenSettled([&] {
         delegate.applicationDidFinishLaunching();
         if (showsTestAlert)
             testAlert(coordinator);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/KernelPower.h"
 
+#include "linux/base/Accessories.h"
 #include "linux/base/KernelSupplies.h"
 
 #include <QSocketNotifier>
@@ -65,14 +66,16 @@ void KernelPower::read() {
     }
     isReading_ = true;
     loop_.background([folder = folder_, self = self_]() -> MainLoop::Continuation {
-        return [self, supplies = suppliesFromKernel(readKernelSupplies(folder))] {
+        const auto all = readKernelSupplies(folder);
+        return [self, supplies = suppliesFromKernel(all), inputDevices = inputDeviceProperties(all)] {
             if (*self)
-                (*self)->finished(supplies);
+                (*self)->finished(supplies, inputDevices);
         };
     });
 }
 
-void KernelPower::finished(Supplies supplies) {
+void KernelPower::finished(Supplies supplies, std::vector<Dictionary> inputDevices) {
+    inputDevices_ = std::move(inputDevices);
     isReading_ = false;
     if (std::exchange(mustReadAgain_, false))
         read();

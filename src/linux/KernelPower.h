@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kivo {
 
@@ -20,6 +21,9 @@ public:
 
     // Nothing before the first reading.
     const std::optional<Supplies>& supplies() const { return supplies_.get(); }
+    // The properties of accessories' HID battery services as the last reading found them; not kept current
+    // unless followed.
+    const std::vector<Dictionary>& inputDevices() const { return inputDevices_; }
     // Reads once; a call while a reading runs makes it read once more afterwards.
     void read();
     // While following it reads at each event of a power supply and, as not every driver sends events, every
@@ -34,11 +38,12 @@ private:
 
     void poll();
     void changed();
-    void finished(Supplies supplies);
+    void finished(Supplies supplies, std::vector<Dictionary> inputDevices);
 
     MainLoop& loop_;
     std::string folder_;
     Observable<std::optional<Supplies>> supplies_;
+    std::vector<Dictionary> inputDevices_;
     bool isReading_ = false;
     bool mustReadAgain_ = false;
     std::unique_ptr<Monitor> monitor_;

@@ -15,13 +15,15 @@
 #include "linux/base/AbsentDesktop.h"
 #include "linux/base/AbsentLoginService.h"
 #include "linux/base/AbsentMobileDevices.h"
+#include "linux/base/AbsentProcesses.h"
 #include "linux/base/AbsentUpdateService.h"
 #include "linux/base/FileUserDefaults.h"
 #include "linux/base/JournalLog.h"
 #include "linux/base/LinuxHaptics.h"
-#include "linux/base/LinuxProcesses.h"
 #include "linux/base/LinuxSounds.h"
 #include "linux/base/LinuxSupportFiles.h"
+
+#include <utility>
 
 namespace kivo {
 
@@ -33,8 +35,9 @@ struct LinuxMachine::Services {
     UPower upower{loop, log, QDBusConnection::systemBus()};
     KernelPower kernelPower{loop};
     LinuxPowerSources powerSources{loop, upower, kernelPower};
-    LinuxAccessorySources accessorySources{loop, upower};
-    LinuxDeviceRegistry registry{powerSources};
+    Bluez bluez{QDBusConnection::systemBus()};
+    LinuxAccessorySources accessorySources{loop, upower, bluez, kernelPower};
+    LinuxDeviceRegistry registry{powerSources, accessorySources};
     PowerProfiles powerState{loop, QDBusConnection::systemBus()};
     LinuxProcessRunner processRunner{loop, registry};
     AbsentMobileDevices mobileDevices;
@@ -45,7 +48,8 @@ struct LinuxMachine::Services {
     FileUserDefaults groupDefaults{folders.data + "/widgets.json", writer, log};
     LinuxSupportFiles supportFiles{folders.data, writer, loop};
 
-    LinuxProcesses processes{loop};
+    AbsentProcesses processes;
+    AbsentRunningApplications applications;
     AbsentAccessibility accessibility;
 
     QtScreens screens;
@@ -71,6 +75,10 @@ void LinuxMachine::provide(OverlayPanel& overlayPanel) {
 }
 void LinuxMachine::provide(Windows& windows) {
     services_->windows = &windows;
+}
+
+void LinuxMachine::whenSettled(std::function<void()> task) {
+    services_->accessorySources.whenComplete(std::move(task));
 }
 
 MainLoop& LinuxMachine::loop() {
@@ -110,7 +118,7 @@ Processes& LinuxMachine::processes() {
     return services_->processes;
 }
 RunningApplications& LinuxMachine::applications() {
-    return services_->processes;
+    return services_->applications;
 }
 Accessibility& LinuxMachine::accessibility() {
     return services_->accessibility;

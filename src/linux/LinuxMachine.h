@@ -3,6 +3,7 @@
 
 #include "platform/Machine.h"
 
+#include <functional>
 #include <memory>
 
 namespace kivo {
@@ -18,6 +19,10 @@ public:
     // never show.
     void provide(OverlayPanel& overlayPanel);
     void provide(Windows& windows);
+
+    // Runs `task` once the machine knows what is connected to it, at the latest after two seconds; never within
+    // this call. An application that starts then takes nothing for new that was there before.
+    void whenSettled(std::function<void()> task);
 
     MainLoop& loop() override;
     LogSink& log() override;

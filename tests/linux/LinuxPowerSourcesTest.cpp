@@ -3,7 +3,6 @@
 
 #include "linux/Bus.h"
 #include "linux/FakeService.h"
-#include "linux/LinuxAccessorySources.h"
 #include "support/VirtualLoop.h"
 
 #include <QDir>
@@ -239,24 +238,6 @@ TEST_F(LinuxPowerSourcesTest, DevicesComeAndChangeTheirType) {
 }
 
 // A list that is empty for the time of a restart would tell of disconnected and connected accessories.
-TEST_F(LinuxPowerSourcesTest, AccessoriesOutliveARestart) {
-    const QString mouse = QStringLiteral("/org/freedesktop/UPower/devices/mouse_0");
-    startUPower();
-    upowerd->objects[mouse] = {deviceInterface,
-                               {{"Type", 5U}, {"PowerSupply", false}, {"Percentage", 5.0}, {"State", 2U}}};
-    startPower();
-    LinuxAccessorySources accessories(loop, *upower);
-    EXPECT_FALSE(accessories.copyAccessorySources());
-    ASSERT_TRUE(comes("60 AC charging"));
-    ASSERT_EQ(accessories.copyAccessorySources().value().size(), 1U);
-    upowerd.reset();
-    ASSERT_TRUE(eventually([&] { return upower->availability() == UPower::Availability::absent; }));
-    loop.advance(45s);
-    EXPECT_EQ(accessories.copyAccessorySources().value().size(), 1U);
-    loop.advance(1ns);
-    EXPECT_FALSE(accessories.copyAccessorySources());
-}
-
 TEST_F(LinuxPowerSourcesTest, TheKernelFillsGapsAndStandsIn) {
     writeKernel("AC", {{"type", "Mains"}, {"online", "1"}});
     writeKernel("BAT0", {{"type", "Battery"},

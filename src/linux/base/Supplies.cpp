@@ -236,6 +236,9 @@ void fillGaps(Supplies& supplies, const Supplies& kernel) {
 const std::vector<std::string_view>& kernelAttributeNames() {
     static const std::vector<std::string_view> names{"type",
                                                      "scope",
+                                                     "model_name",
+                                                     "serial_number",
+                                                     "capacity_level",
                                                      "online",
                                                      "present",
                                                      "status",

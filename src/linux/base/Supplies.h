@@ -60,7 +60,7 @@ Supplies suppliesFromKernel(const KernelSupplies& supplies);
 // Gives the batteries in `supplies` what only the kernel's same ones know.
 void fillGaps(Supplies& supplies, const Supplies& kernel);
 
-// The attributes that `suppliesFromKernel` understands.
+// The attributes that `suppliesFromKernel` and the readers of accessories understand.
 const std::vector<std::string_view>& kernelAttributeNames();
 
 } // namespace kivo
