@@ -15,11 +15,11 @@
 #include "linux/base/AbsentDesktop.h"
 #include "linux/base/AbsentLoginService.h"
 #include "linux/base/AbsentMobileDevices.h"
-#include "linux/base/AbsentProcesses.h"
 #include "linux/base/AbsentUpdateService.h"
 #include "linux/base/FileUserDefaults.h"
 #include "linux/base/JournalLog.h"
 #include "linux/base/LinuxHaptics.h"
+#include "linux/base/LinuxProcesses.h"
 #include "linux/base/LinuxSounds.h"
 #include "linux/base/LinuxSupportFiles.h"
 
@@ -48,8 +48,7 @@ struct LinuxMachine::Services {
     FileUserDefaults groupDefaults{folders.data + "/widgets.json", writer, log};
     LinuxSupportFiles supportFiles{folders.data, writer, loop};
 
-    AbsentProcesses processes;
-    AbsentRunningApplications applications;
+    LinuxProcesses processes{loop};
     AbsentAccessibility accessibility;
 
     QtScreens screens;
@@ -118,7 +117,7 @@ Processes& LinuxMachine::processes() {
     return services_->processes;
 }
 RunningApplications& LinuxMachine::applications() {
-    return services_->applications;
+    return services_->processes;
 }
 Accessibility& LinuxMachine::accessibility() {
     return services_->accessibility;

@@ -3,6 +3,7 @@
 
 #include "linux/Bus.h"
 #include "linux/base/Folders.h"
+#include "linux/base/LocalZone.h"
 #include "linux/base/SettingsPages.h"
 
 #include <QDBusVariant>
@@ -89,6 +90,10 @@ std::optional<std::string> LinuxWorkspace::environment(std::string_view name) {
 
 bool LinuxWorkspace::reduceMotion() {
     return motion_.isReduced();
+}
+
+std::string LinuxWorkspace::timeZone() {
+    return localZone();
 }
 
 } // namespace kivo

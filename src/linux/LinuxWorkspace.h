@@ -23,6 +23,7 @@ public:
     std::optional<std::string> computerName() override;
     std::optional<std::string> environment(std::string_view name) override;
     bool reduceMotion() override;
+    std::string timeZone() override;
 
 private Q_SLOTS:
     void hostnameChanged(const QString& interface, const QVariantMap& changed, const QStringList& invalidated);

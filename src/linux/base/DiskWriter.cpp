@@ -15,13 +15,23 @@ DiskWriter::~DiskWriter() {
 }
 
 void DiskWriter::write(std::string path, std::string text, Done done, KeepsOld keepsOld) {
+    add(std::move(path), std::move(text), nullptr, std::move(done), std::move(keepsOld));
+}
+
+void DiskWriter::write(std::string path, std::function<TextPieces()> text, Done done) {
+    add(std::move(path), {}, std::move(text), std::move(done), nullptr);
+}
+
+void DiskWriter::add(std::string path, std::string text, std::function<TextPieces()> pieces, Done done,
+                     KeepsOld keepsOld) {
     const std::lock_guard lock(mutex_);
     auto job = std::find_if(jobs_.begin(), jobs_.end(), [&](const Job& it) { return it.path == path; });
     if (job == jobs_.end()) {
-        jobs_.push_back({std::move(path), {}, nullptr, {}});
+        jobs_.push_back({std::move(path), {}, nullptr, nullptr, {}});
         job = std::prev(jobs_.end());
     }
     job->text = std::move(text);
+    job->pieces = std::move(pieces);
     if (keepsOld)
         job->keepsOld = std::move(keepsOld);
     if (done)
@@ -31,7 +41,7 @@ void DiskWriter::write(std::string path, std::string text, Done done, KeepsOld k
 
 void DiskWriter::afterWrites(std::function<void()> task) {
     const std::lock_guard lock(mutex_);
-    jobs_.push_back({{}, {}, nullptr, {[task = std::move(task)](const auto&) { task(); }}});
+    jobs_.push_back({{}, {}, nullptr, nullptr, {[task = std::move(task)](const auto&) { task(); }}});
     startThread();
 }
 
@@ -96,8 +106,15 @@ std::optional<std::string> DiskWriter::replace(const Job& job) {
         error = moveFileAside(job.path);
         *job.keepsOld = error.has_value();
     }
-    if (!error)
+    if (!error && job.pieces) {
+        const auto pieces = job.pieces();
+        std::vector<std::string_view> parts;
+        for (const auto& piece : pieces)
+            parts.push_back(*piece);
+        error = replaceWholeFile(job.path, parts);
+    } else if (!error) {
         error = replaceWholeFile(job.path, job.text);
+    }
     return error;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/SupportFiles.h"
+
 #include <atomic>
 #include <condition_variable>
 #include <deque>
@@ -33,6 +35,8 @@ public:
 
     // Nothing is written when the old file could not be kept.
     void write(std::string path, std::string text, Done done = {}, KeepsOld keepsOld = nullptr);
+    // The same with a text that is made on the writer's thread.
+    void write(std::string path, std::function<TextPieces()> text, Done done);
     // The same, and waits for the outcome.
     std::optional<std::string> writeAndWait(std::string path, std::string text);
     // Runs `task` on the writer's thread once everything handed over so far is written (or has failed).
@@ -44,10 +48,13 @@ private:
     struct Job {
         std::string path; // empty: nothing to write
         std::string text;
+        std::function<TextPieces()> pieces; // makes the text in place of the one above
         KeepsOld keepsOld;
         std::vector<Done> done;
     };
     void startThread();
+    void add(std::string path, std::string text, std::function<TextPieces()> pieces, Done done,
+             KeepsOld keepsOld);
     void run();
     void perform(const Job& job);
     std::optional<std::string> replace(const Job& job);

@@ -3,6 +3,7 @@
 
 #include "linux/base/WholeFile.h"
 
+#include <unistd.h>
 #include <utility>
 
 namespace kivo {
@@ -36,7 +37,7 @@ std::optional<std::string> LinuxSupportFiles::read(std::string_view path) {
 
 bool LinuxSupportFiles::keepAside(std::string_view path) {
     const auto file = located(path);
-    if (!file)
+    if (!file || access(file->c_str(), F_OK) != 0)
         return false;
     writer_.flush();
     return !moveFileAside(*file);
@@ -49,6 +50,17 @@ std::optional<std::string> LinuxSupportFiles::write(std::string_view path, const
 
 void LinuxSupportFiles::writeInBackground(std::string_view path, std::string text,
                                           std::function<void(std::optional<std::string>)> done) {
+    handOver(path, std::move(text), std::move(done));
+}
+
+void LinuxSupportFiles::writePiecesInBackground(std::string_view path, std::function<TextPieces()> text,
+                                                std::function<void(std::optional<std::string>)> done) {
+    handOver(path, std::move(text), std::move(done));
+}
+
+template <typename Text>
+void LinuxSupportFiles::handOver(std::string_view path, Text text,
+                                 std::function<void(std::optional<std::string>)> done) {
     const auto file = located(path);
     if (!file) {
         loop_.post([done = std::move(done), error = notAllowed(path)] { done(error); });

@@ -21,8 +21,12 @@ public:
     std::optional<std::string> write(std::string_view path, const std::string& text) override;
     void writeInBackground(std::string_view path, std::string text,
                            std::function<void(std::optional<std::string>)> done) override;
+    void writePiecesInBackground(std::string_view path, std::function<TextPieces()> text,
+                                 std::function<void(std::optional<std::string>)> done) override;
 
 private:
+    template <typename Text>
+    void handOver(std::string_view path, Text text, std::function<void(std::optional<std::string>)> done);
     // Nothing for a path that leads out of the folder.
     std::optional<std::string> located(std::string_view path) const;
 

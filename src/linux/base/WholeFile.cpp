@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/WholeFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
 
@@ -84,13 +86,22 @@ Temporary makeTemporary(const std::string& path) {
     return result;
 }
 
-bool writeAll(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t count = ::write(file, text.data(), text.size());
-        if (count < 0 && errno != EINTR)
+bool writeAll(int file, const std::vector<std::string_view>& parts) {
+    constexpr std::size_t mostAtOnce = 512;
+    std::size_t first = 0;  // not written as a whole yet
+    std::size_t offset = 0; // within it
+    iovec rest[mostAtOnce];
+    while (first < parts.size()) {
+        const std::size_t count = std::min(mostAtOnce, parts.size() - first);
+        for (std::size_t i = 0; i < count; ++i)
+            rest[i] = {const_cast<char*>(parts[first + i].data()), parts[first + i].size()};
+        rest[0] = {const_cast<char*>(parts[first].data() + offset), parts[first].size() - offset};
+        const ssize_t written = writev(file, rest, static_cast<int>(count));
+        if (written < 0 && errno != EINTR)
             return false;
-        if (count > 0)
-            text.remove_prefix(static_cast<std::size_t>(count));
+        offset += written > 0 ? static_cast<std::size_t>(written) : 0;
+        for (; first < parts.size() && offset >= parts[first].size(); ++first)
+            offset -= parts[first].size();
     }
     return true;
 }
@@ -129,6 +140,11 @@ FileText readWholeFile(const std::string& path) {
 }
 
 std::optional<std::string> replaceWholeFile(const std::string& path, std::string_view text) {
+    return replaceWholeFile(path, std::vector{text});
+}
+
+std::optional<std::string> replaceWholeFile(const std::string& path,
+                                            const std::vector<std::string_view>& parts) {
     const std::string target = followed(path);
     const std::string folder = folderOf(target);
     if (!makeFolders(folder))
@@ -138,7 +154,7 @@ std::optional<std::string> replaceWholeFile(const std::string& path, std::string
         const Temporary temporary = makeTemporary(target);
         if (!temporary.file)
             return failure(folder);
-        if (writeAll(temporary.file.get(), text) && fsync(temporary.file.get()) == 0 &&
+        if (writeAll(temporary.file.get(), parts) && fsync(temporary.file.get()) == 0 &&
             rename(temporary.path.c_str(), target.c_str()) == 0)
             return syncFolder(folder) ? std::nullopt : std::optional(failure(folder));
         const int error = errno;

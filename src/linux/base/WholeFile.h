@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kivo {
 
@@ -22,6 +23,9 @@ FileText readWholeFile(const std::string& path);
 
 // Nothing on success; the text is then on the disk.
 std::optional<std::string> replaceWholeFile(const std::string& path, std::string_view text);
+// The same for a text in parts.
+std::optional<std::string> replaceWholeFile(const std::string& path,
+                                            const std::vector<std::string_view>& parts);
 
 // Moves the file to the first free name of PATH.unreadable, PATH.unreadable.2, … No file at all is a success.
 std::optional<std::string> moveFileAside(const std::string& path);

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kivo {
+
+// How much energy the computer took, as far as this process may know: the processor packages' counters (RAPL)
+// where they can be read, else the battery's discharge while on battery.
+class EnergyMeter {
+public:
+    // `sys` is the mount point of sysfs.
+    explicit EnergyMeter(const std::string& sys = "/sys");
+    ~EnergyMeter();
+    EnergyMeter(const EnergyMeter&) = delete;
+    EnergyMeter& operator=(const EnergyMeter&) = delete;
+
+    // Joules since the last call, which was `seconds` ago. Nothing when it cannot be told.
+    std::optional<double> joulesSince(double seconds);
+
+private:
+    struct Package {
+        int energy = -1; // descriptor, microjoules
+        std::uint64_t range = 0;
+        std::optional<std::uint64_t> last;
+    };
+    struct Battery {
+        int status = -1, power = -1, current = -1, voltage = -1;
+    };
+    std::optional<double> packageJoules();
+    std::optional<double> dischargeWatts() const;
+
+    std::vector<Package> packages_;
+    std::vector<Battery> batteries_;
+};
+
+} // namespace kivo
