@@ -2,8 +2,26 @@
 #include "support/PropertyValue.h"
 
 #include <cmath>
+#include <utility>
 
 namespace kivo {
+
+PropertyValue::PropertyValue() noexcept = default;
+PropertyValue::PropertyValue(const PropertyValue& other) = default;
+PropertyValue::PropertyValue(PropertyValue&& other) noexcept = default;
+PropertyValue& PropertyValue::operator=(const PropertyValue& other) = default;
+PropertyValue& PropertyValue::operator=(PropertyValue&& other) noexcept = default;
+PropertyValue::~PropertyValue() = default;
+
+PropertyValue::PropertyValue(std::string_view value) : value_(std::string(value)) {}
+PropertyValue::PropertyValue(std::string value) : value_(std::move(value)) {}
+PropertyValue::PropertyValue(Data value) : value_(std::move(value)) {}
+PropertyValue::PropertyValue(Array value) : value_(std::move(value)) {}
+PropertyValue::PropertyValue(Dictionary value) : value_(std::move(value)) {}
+
+bool PropertyValue::operator==(const PropertyValue& other) const {
+    return value_ == other.value_;
+}
 
 std::optional<bool> PropertyValue::boolean() const {
     if (const auto* value = std::get_if<bool>(&value_))

@@ -25,8 +25,16 @@ public:
         bool operator==(const Data&) const = default;
     };
 
-    PropertyValue() = default;
-    PropertyValue(std::nullptr_t) {}
+    // Defined in the source file: they are large, and inlined everywhere they slow the build and mislead the
+    // compiler's flow warnings.
+    PropertyValue() noexcept;
+    PropertyValue(const PropertyValue& other);
+    PropertyValue(PropertyValue&& other) noexcept;
+    PropertyValue& operator=(const PropertyValue& other);
+    PropertyValue& operator=(PropertyValue&& other) noexcept;
+    ~PropertyValue();
+
+    PropertyValue(std::nullptr_t) noexcept : PropertyValue() {}
     PropertyValue(bool value) : value_(value) {}
     template <typename T>
     requires(std::is_integral_v<T> && !std::is_same_v<T, bool>) PropertyValue(T value) {
@@ -38,15 +46,15 @@ public:
             value_ = static_cast<std::uint64_t>(value);
     }
     PropertyValue(double value) : value_(value) {}
-    PropertyValue(const char* value) : value_(std::string(value)) {}
-    PropertyValue(std::string_view value) : value_(std::string(value)) {}
-    PropertyValue(std::string value) : value_(std::move(value)) {}
-    PropertyValue(Data value) : value_(std::move(value)) {}
-    PropertyValue(Array value) : value_(std::move(value)) {}
-    PropertyValue(Dictionary value) : value_(std::move(value)) {}
+    PropertyValue(const char* value) : PropertyValue(std::string_view(value)) {}
+    PropertyValue(std::string_view value);
+    PropertyValue(std::string value);
+    PropertyValue(Data value);
+    PropertyValue(Array value);
+    PropertyValue(Dictionary value);
     // An absent value is null.
     template <typename T>
-    PropertyValue(const std::optional<T>& value) {
+    PropertyValue(const std::optional<T>& value) : PropertyValue() {
         if (value)
             *this = PropertyValue(*value);
     }
@@ -75,7 +83,7 @@ public:
     // "boolean", "integer", "number", "string", "data", "array", "object" or "null", for messages.
     std::string_view typeName() const;
 
-    bool operator==(const PropertyValue&) const = default;
+    bool operator==(const PropertyValue& other) const;
 
 private:
     std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Data, Array,
