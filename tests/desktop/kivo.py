@@ -9,7 +9,7 @@ import uuid
 
 import dbus
 
-from desktop import BACKGROUND, Failure, near, wait_for
+from desktop import Failure, near, wait_for
 
 # The program under test; run() takes it from the command line.
 BINARY = None
@@ -17,7 +17,7 @@ BINARY = None
 # Where an island at the top of the screen without a notch stands: centred, of this size.
 ISLAND = (372, 66)
 LOOK_AT = (400, 0, 480, 160)  # of a screen 1280 wide; the tray ends left of it, notifications start right of it
-NORMAL, CHARGING, CRITICAL = (76, 217, 100), (52, 211, 91), (255, 59, 48)
+CHARGING, NORMAL, LOW_POWER, CRITICAL = (52, 211, 91), (76, 217, 100), (255, 214, 10), (255, 59, 48)
 
 
 def rule(trigger, notifies=False, sound='none', position='top', threshold=None, glows=False):
@@ -148,9 +148,6 @@ def run():
     global BINARY
     if len(sys.argv) < 2 or not os.access(sys.argv[1], os.X_OK):
         sys.exit('usage: TEST.py KIVO [unittest arguments]')
-    # The tests import this file by its name; run as it is it would be another module.
-    sys.modules['kivo'].BINARY = os.path.abspath(sys.argv.pop(1))
+    BINARY = os.path.abspath(sys.argv.pop(1))
     unittest.main(module='__main__')
 
-
-__all__ = ['BACKGROUND', 'CHARGING', 'CRITICAL', 'Kivo', 'KivoTest', 'LOOK_AT', 'NORMAL', 'rule', 'run', 'settings']
