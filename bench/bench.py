@@ -19,7 +19,7 @@ missed = 0
 
 
 def binary(name):
-    for folder in ('programs', 'bench'):
+    for folder in ('.', 'bench'):
         path = os.path.join(BUILD, folder, name)
         if os.access(path, os.X_OK):
             return path

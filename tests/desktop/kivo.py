@@ -109,7 +109,7 @@ class Kivo:
     def island(self):
         """The island's picture with its place on the screen (x, y), or None when none is out."""
         look = self.desktop.screenshot().part(*LOOK_AT)
-        box, count = look.where(near((0, 0, 0), 2))
+        box, count = look.where(near((0, 0, 0), 60))  # the rings' glow reaches the black body's edge
         if count < 200:
             return None
         return look.part(*box), (box[0] + LOOK_AT[0], box[1] + LOOK_AT[1])
