@@ -4,6 +4,7 @@
 #include "linux/LinuxMachine.h"
 #include "linux/SingleInstance.h"
 #include "platform/Workspace.h"
+#include "views/NotifiedIslands.h"
 #include "views/QtOverlayPanel.h"
 #include "views/TrayIcon.h"
 
@@ -74,10 +75,17 @@ void testAlert(AppCoordinator& coordinator) {
 int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     LinuxMachine machine;
     QtOverlayPanel panel(machine.loop());
-    machine.provide(panel);
+    NotifiedIslands notified(machine.notifications());
+    const OverlayChoice choice = chooseOverlay(QGuiApplication::platformName().toStdString());
+    const bool hasWindows = choice.way == OverlayWay::windows;
+    Logger(machine.log(), "overlay").info(choice.reason);
+    machine.provide(hasWindows ? static_cast<OverlayPanel&>(panel) : notified);
     AppDelegate delegate(machine);
     AppCoordinator& coordinator = delegate.coordinator();
-    panel.show(coordinator.overlay().model(), machine.workspace());
+    if (hasWindows)
+        panel.show(coordinator.overlay().model(), machine.workspace());
+    else
+        notified.show(coordinator.overlay().model());
     TrayIcon tray(machine.loop(), coordinator.monitor().snapshot(), coordinator.settings());
     tray.onQuit = [&app] { app.quit(); };
     instance.onAction = [&coordinator](const QString& action) {
@@ -96,6 +104,7 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     delegate.applicationWillTerminate();
     instance.onAction = nullptr;
     panel.showNothing();
+    notified.showNothing();
     return status;
 }
 
