@@ -222,13 +222,20 @@ def idle():
     report('CPU in a minute at rest', kivo[3], floor[3], 'ms', absolute=5)
 
 
+def program(part):
+    """A part that a program of its own measures; it prints rows like these."""
+    global missed
+    missed += subprocess.run([binary('bench-' + part)]).returncode != 0
+
+
 def main():
-    parts = {'latency': latency, 'start': start, 'idle': idle}
+    parts = {'latency': latency, 'start': start, 'idle': idle,
+             'ledger': lambda: program('ledger'), 'sampling': lambda: program('sampling')}
     wanted = sys.argv[2:] or list(parts)
     unknown = [name for name in wanted if name not in parts]
     if unknown:
         sys.exit(f'scripts/bench: there is no {unknown[0]} ({", ".join(parts)})')
-    print(f'{"":46} {"Kivo":>9} {"floor":>9} {"":5} {"ratio":>6}  aim')
+    print(f'{"":46} {"Kivo":>9} {"floor":>9} {"":5} {"ratio":>6}  aim', flush=True)
     for name in wanted:
         parts[name]()
     return 1 if missed else 0

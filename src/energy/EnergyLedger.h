@@ -74,6 +74,7 @@ public:
     using Hours = std::vector<std::shared_ptr<const Hour>>;
     EnergyLedger(Hours hours, LedgerKeys keys, Identities identities);
     const Hours& hours() const { return hours_; }
+    const std::shared_ptr<const Identities>& sharedIdentities() const { return identities_; }
     const LedgerKeys& keys() const { return *keys_; }
 
 private:

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -90,27 +92,49 @@ std::shared_ptr<const std::string> piece(std::string text) {
 
 TextPieces EnergyLedgerText::encode(const EnergyLedger& ledger) {
     const std::lock_guard lock(mutex_);
-    const auto& hours = ledger.hours();
+    if (!head_)
+        head_ = piece("{\"buckets\":[");
+    keepHours(ledger);
+    keepIdentities(ledger);
     TextPieces pieces;
-    pieces.reserve(hours.size() + 2);
-    pieces.push_back(piece("{\"buckets\":["));
-    std::vector<Kept> kept;
-    kept.reserve(hours.size());
-    auto next = kept_.begin();
-    for (std::size_t i = 0; i + 1 < hours.size(); ++i) {
-        const auto found = std::find_if(next, kept_.end(), [&](const Kept& k) { return k.hour == hours[i]; });
-        if (found != kept_.end()) {
-            kept.push_back(std::move(*found));
+    pieces.reserve(kept_.size() + 3);
+    pieces.push_back(head_);
+    for (const Kept& kept : kept_)
+        pieces.push_back(kept.text);
+    if (!ledger.hours().empty())
+        pieces.push_back(piece(hourText(*ledger.hours().back(), ledger.keys(), "")));
+    pieces.push_back(identitiesText_);
+    return pieces;
+}
+
+// Makes `kept_` the texts of all hours but the last.
+void EnergyLedgerText::keepHours(const EnergyLedger& ledger) {
+    const auto& hours = ledger.hours();
+    const std::size_t count = hours.empty() ? 0 : hours.size() - 1;
+    std::size_t same = 0;
+    while (same < count && same < kept_.size() && kept_[same].hour == hours[same])
+        ++same;
+    // Hours that come later in the ledger come later here.
+    std::vector<Kept> rest(std::make_move_iterator(kept_.begin() + static_cast<std::ptrdiff_t>(same)),
+                           std::make_move_iterator(kept_.end()));
+    kept_.resize(same);
+    auto next = rest.begin();
+    for (std::size_t i = same; i < count; ++i) {
+        const auto found = std::find_if(next, rest.end(), [&](const Kept& k) { return k.hour == hours[i]; });
+        if (found != rest.end()) {
+            kept_.push_back(std::move(*found));
             next = found + 1;
         } else {
-            kept.push_back({hours[i], piece(hourText(*hours[i], ledger.keys(), ","))});
+            kept_.push_back({hours[i], piece(hourText(*hours[i], ledger.keys(), ","))});
         }
-        pieces.push_back(kept.back().text);
     }
-    kept_ = std::move(kept);
-    std::string open = hours.empty() ? std::string() : hourText(*hours.back(), ledger.keys(), "");
-    pieces.push_back(piece(std::move(open) + identitiesText(ledger.identities())));
-    return pieces;
+}
+
+void EnergyLedgerText::keepIdentities(const EnergyLedger& ledger) {
+    if (identities_ == ledger.sharedIdentities())
+        return;
+    identities_ = ledger.sharedIdentities();
+    identitiesText_ = piece(identitiesText(*identities_));
 }
 
 std::string encode(const EnergyLedger& ledger) {

@@ -25,8 +25,14 @@ private:
         std::shared_ptr<const std::string> text;
     };
 
+    void keepHours(const EnergyLedger& ledger);
+    void keepIdentities(const EnergyLedger& ledger);
+
     std::mutex mutex_;
+    std::shared_ptr<const std::string> head_;
     std::vector<Kept> kept_; // in the ledger's order
+    std::shared_ptr<const EnergyLedger::Identities> identities_;
+    std::shared_ptr<const std::string> identitiesText_;
 };
 
 // The stored form as one text.

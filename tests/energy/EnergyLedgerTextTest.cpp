@@ -238,8 +238,8 @@ TEST(EnergyLedgerText, HoursThatAreOverAreEncodedOnce) {
                 seen.insert(piece.get());
         }
     }
-    // A day: 23 closed hours, and with each of its 72 saves a beginning and an end.
-    EXPECT_EQ(seen.size(), 23u + 2 * 72);
+    // A day: 23 closed hours, the open one with each of its 72 saves, a beginning and an end.
+    EXPECT_EQ(seen.size(), 23u + 72 + 2);
 
     // Hours go from the middle, when the clock was set forward and back, and all at once.
     ledger = ledger.record({{a, 1}}, noon + 35 * 86400, TimeZone());
