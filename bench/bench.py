@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Measures Kivo beside bare programs that do the least of the same job; see scripts/bench."""
 import json
+import math
 import os
 import statistics
 import subprocess
@@ -228,8 +229,19 @@ def program(part):
     missed += subprocess.run([binary('bench-' + part)]).returncode != 0
 
 
+def devices():
+    """A refresh of the list of devices: no faster growth than n log n from 64 to 1,000 of them."""
+    rows = subprocess.run([binary('bench-devices')], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
+    found = {count: [value / 1000 for value in values] for count, *values in (map(int, row.split()) for row in rows)}
+    for count, (changed, same, copied) in found.items():
+        report(f'refresh of {count} devices that changed', changed, copied, 'µs')
+        report(f'refresh of {count} devices that did not', same, copied, 'µs')
+    growth = 1000 * math.log2(1000) / (64 * math.log2(64))
+    report('1,000 devices beside n log n of 64', found[1000][0], found[64][0] * growth, 'µs', 1)
+
+
 def main():
-    parts = {'latency': latency, 'start': start, 'idle': idle,
+    parts = {'latency': latency, 'start': start, 'idle': idle, 'devices': devices,
              'ledger': lambda: program('ledger'), 'sampling': lambda: program('sampling')}
     wanted = sys.argv[2:] or list(parts)
     unknown = [name for name in wanted if name not in parts]
