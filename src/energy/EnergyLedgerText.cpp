@@ -48,7 +48,7 @@ std::string hourText(const Hour& hour, const LedgerKeys& keys, std::string_view 
     pen.write("{\"hourStart\":");
     pen.write(hour.start.secondsSince2001);
     pen.write(",\"joules\":{");
-    std::string_view separator;
+    std::string_view separator = "";
     for (const auto& entry : hour.entries) {
         pen.write(separator);
         pen.write(keys.member(entry.key));
@@ -63,7 +63,7 @@ std::string hourText(const Hour& hour, const LedgerKeys& keys, std::string_view 
 
 std::string identitiesText(const EnergyLedger::Identities& identities) {
     std::string text = "],\"identities\":{";
-    std::string_view separator;
+    std::string_view separator = "";
     for (const auto& [key, identity] : identities) {
         text += separator;
         text += jsonString(key);
