@@ -65,12 +65,16 @@ class Process:
         return time.clock_gettime_ns((~self.pid << 3) | 2) / 1e6
 
     def switches(self):
-        """How often its threads were woken."""
-        total = 0
+        """How often each of its threads was woken, by number."""
+        found = {}
         for task in os.listdir(f'/proc/{self.pid}/task'):
             with open(f'/proc/{self.pid}/task/{task}/status', encoding='utf-8') as status:
-                total += sum(int(line.split()[1]) for line in status if line.startswith('voluntary'))
-        return total
+                found[task] = sum(int(line.split()[1]) for line in status if line.startswith('voluntary'))
+        return found
+
+    def switches_since(self, before):
+        """By threads that still live."""
+        return sum(count - before.get(task, 0) for task, count in self.switches().items())
 
     def memory(self):
         with open(f'/proc/{self.pid}/smaps_rollup', encoding='utf-8') as rollup:
@@ -126,7 +130,7 @@ def decision(desktop, probe):
     before = Process(kivo).switches()
     probe.ask('foreign', 1000)
     time.sleep(0.5)
-    report('wake-ups by 1000 signals of others', Process(kivo).switches() - before, None, '', absolute=4)
+    report('wake-ups by 1000 signals of others', Process(kivo).switches_since(before), None, '', absolute=4)
     desktop.end(kivo)
 
 
@@ -212,7 +216,7 @@ def idle():
                 seen = Process(process)
                 switches, cpu = seen.switches(), seen.cpu()
                 time.sleep(60)
-                rest[name] = (*seen.memory(), seen.switches() - switches, seen.cpu() - cpu)
+                rest[name] = (*seen.memory(), seen.switches_since(switches), seen.cpu() - cpu)
                 desktop.end(process)
         finally:
             probe.close()

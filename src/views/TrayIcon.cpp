@@ -13,6 +13,7 @@
 #include <QPointer>
 
 #include <array>
+#include <utility>
 
 namespace kivo {
 
@@ -48,8 +49,8 @@ TrayIcon::TrayIcon(MainLoop& loop, Observable<std::optional<BatterySnapshot>>& s
                    SettingsStore& settings)
     : loop_(loop), snapshot_(snapshot), settings_(settings) {
     qGuiApp->installEventFilter(this);
-    snapshotChange_ = snapshot_.onChange([this] { refresh(); });
-    settingsChange_ = settings_.onChange([this] { refresh(); });
+    snapshotChange_ = snapshot_.onChange([this] { refreshSoon(); });
+    settingsChange_ = settings_.onChange([this] { refreshSoon(); });
     lookForTray(0);
 }
 
@@ -85,6 +86,17 @@ bool TrayIcon::eventFilter(QObject* watched, QEvent* event) {
                 guard->refresh();
         });
     return QObject::eventFilter(watched, event);
+}
+
+// An alert about the same change is to be seen first, and a charger and its battery tell of it one after the
+// other: one picture of both is enough.
+void TrayIcon::refreshSoon() {
+    if (std::exchange(isRefreshDue_, true))
+        return;
+    nextRefresh_ = loop_.after(seconds(0.06), [this] {
+        isRefreshDue_ = false;
+        refresh();
+    });
 }
 
 void TrayIcon::refresh() {

@@ -36,6 +36,7 @@ protected:
 private:
     void lookForTray(int round);
     void make();
+    void refreshSoon();
     void refresh();
 
     MainLoop& loop_;
@@ -50,6 +51,8 @@ private:
     Subscription snapshotChange_;
     Subscription settingsChange_;
     Subscription nextLook_;
+    bool isRefreshDue_ = false;
+    Subscription nextRefresh_;
 };
 
 // The colour of what stands in the desktop's panel, as far as it can be known from here.
