@@ -55,7 +55,7 @@ using KernelAttributes = std::map<std::string, std::string, std::less<>>;
 using KernelSupplies = std::map<std::string, KernelAttributes>;
 
 Supplies suppliesFromUPower(const UPowerDevices& devices);
-Supplies suppliesFromKernel(const KernelSupplies& supplies);
+Supplies suppliesFromKernel(const KernelSupplies& all);
 
 // Gives the batteries in `supplies` what only the kernel's same ones know.
 void fillGaps(Supplies& supplies, const Supplies& kernel);
