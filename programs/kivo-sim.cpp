@@ -35,11 +35,10 @@ int main(int argc, char** argv) {
         return unreadable;
     }
     try {
-        const auto lines = kivo::Scenario::read(*text).play();
-        for (const std::string& line : lines) {
+        kivo::Scenario::read(*text).play([](const std::string& line) {
             std::fwrite(line.data(), 1, line.size(), stdout);
             std::fputc('\n', stdout);
-        }
+        });
     } catch (const kivo::ScenarioError& error) {
         std::fprintf(stderr, "kivo-sim: %s\n", error.what());
         return unreadable;

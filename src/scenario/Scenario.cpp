@@ -6,6 +6,7 @@
 #include "support/Json.h"
 #include "support/UUID.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kivo {
@@ -44,6 +45,7 @@ Scenario::Step readStep(const PropertyValue& value, std::size_t number, Duration
         if (step.action)
             throw DecodingError("a step can do only one thing, and \"" + key + "\" is a second");
         step.action = (*reader)(argument);
+        step.isFallible = allSteps().isFallible(key);
     }
     return step;
 }
@@ -69,6 +71,11 @@ Scenario readScenario(const PropertyValue& value) {
     return scenario;
 }
 
+void printAll(EventLog& events, const std::function<void(const std::string&)>& print) {
+    for (const std::string& line : events.takeLines())
+        print(line);
+}
+
 } // namespace
 
 Scenario Scenario::read(std::string_view text) {
@@ -79,13 +86,19 @@ Scenario Scenario::read(std::string_view text) {
     }
 }
 
-std::vector<std::string> Scenario::play() const {
+void Scenario::play(const std::function<void(const std::string& line)>& print) const {
     UUID::makeRepeatable(identitySeed);
     ScenarioRun run(machine);
     VirtualLoop& loop = run.machine().virtualLoop();
     const Duration start = loop.now();
+    // From here on nothing can fail: what happened need not wait any longer to be printed.
+    const auto certain =
+        std::find_if(steps.rbegin(), steps.rend(), [](const Step& step) { return step.isFallible; }).base();
+    const std::size_t firstCertain = certain == steps.end() ? steps.size() + 1 : certain->number;
     run.launch();
     for (const Step& step : steps) {
+        if (step.number >= firstCertain)
+            printAll(run.events(), print);
         loop.advanceTo(start + step.at);
         try {
             if (step.action)
@@ -96,7 +109,13 @@ std::vector<std::string> Scenario::play() const {
         }
     }
     loop.advanceTo(loop.now());
-    return run.events().lines();
+    printAll(run.events(), print);
+}
+
+std::vector<std::string> Scenario::play() const {
+    std::vector<std::string> lines;
+    play([&](const std::string& line) { lines.push_back(line); });
+    return lines;
 }
 
 } // namespace kivo

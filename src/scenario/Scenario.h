@@ -5,6 +5,7 @@
 #include "simulated/MachineState.h"
 #include "support/Duration.h"
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -24,6 +25,7 @@ struct Scenario {
         std::size_t number = 0; // from 1
         Duration at{0};         // since launch; never less than the step before
         StepTable::Action action;
+        bool isFallible = false;
     };
 
     MachineState machine;
@@ -32,9 +34,12 @@ struct Scenario {
     // Reads the JSON text as a whole before anything runs. Throws ScenarioError.
     static Scenario read(std::string_view text);
 
-    // Launches the application, plays the steps and gives the lines of events. At one instant, timers that are
+    // Launches the application, plays the steps and prints the lines of events. At one instant, timers that are
     // due run first, then the steps in order, each with everything that it posts. The end is when everything
-    // due at the last step's time has run. Throws ScenarioError for a step that the system cannot take.
+    // due at the last step's time has run. Throws ScenarioError for a step that the system cannot take; nothing
+    // was printed then.
+    void play(const std::function<void(const std::string& line)>& print) const;
+    // The same into a list.
     std::vector<std::string> play() const;
 };
 

@@ -49,7 +49,7 @@ StepTable::Action readSettingsTab(const PropertyValue& value) {
 } // namespace
 
 void addSettingsSteps(StepTable& steps) {
-    steps.add("settings", readSettings);
+    steps.addFallible("settings", readSettings);
     steps.add("test", readTest);
     steps.add("settingsTab", readSettingsTab);
 }

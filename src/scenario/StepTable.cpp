@@ -12,6 +12,11 @@ void StepTable::addPlain(std::string_view key, Action action) {
     });
 }
 
+void StepTable::addFallible(std::string_view key, Reader reader) {
+    add(key, std::move(reader));
+    fallible_.emplace(key);
+}
+
 const StepTable::Reader* StepTable::find(std::string_view key) const {
     const auto reader = readers_.find(key);
     return reader == readers_.end() ? nullptr : &reader->second;

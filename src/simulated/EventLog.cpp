@@ -8,11 +8,28 @@
 namespace kivo {
 
 void EventLog::record(std::string_view event, Dictionary members) {
+    if (!isMuted_)
+        lines_.push_back(line(event, std::move(members)));
+}
+
+void EventLog::recordWithText(std::string_view event, Dictionary members, std::string_view key,
+                              std::string_view json) {
     if (isMuted_)
         return;
+    std::string text = line(event, std::move(members));
+    text.pop_back();
+    text += ",\"";
+    text += key;
+    text += "\":";
+    text += json;
+    text += '}';
+    lines_.push_back(std::move(text));
+}
+
+std::string EventLog::line(std::string_view event, Dictionary members) const {
     members.insert_or_assign("t", plainNumber(inSeconds(loop_.now() - start_)));
     members.insert_or_assign("event", event);
-    lines_.push_back(json::write(std::move(members)));
+    return json::write(std::move(members));
 }
 
 PropertyValue plainNumber(double value) {

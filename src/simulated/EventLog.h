@@ -8,6 +8,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kivo {
@@ -20,12 +21,20 @@ public:
     // Adds "t" (seconds since the log began) and "event" to the members.
     void record(std::string_view event, Dictionary members = {});
 
+    // The same with one more member whose value is a JSON text already, which must be valid.
+    void recordWithText(std::string_view event, Dictionary members, std::string_view key,
+                        std::string_view json);
+
     // While muted nothing is recorded: the end of a process says nothing.
     void mute(bool isMuted) { isMuted_ = isMuted; }
 
     const std::vector<std::string>& lines() const { return lines_; }
+    // The same, and forgets them.
+    std::vector<std::string> takeLines() { return std::exchange(lines_, {}); }
 
 private:
+    std::string line(std::string_view event, Dictionary members) const;
+
     const MainLoop& loop_;
     Duration start_;
     bool isMuted_ = false;

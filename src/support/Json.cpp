@@ -105,6 +105,10 @@ PropertyValue json::parse(std::string_view text) {
     return std::move(builder.result);
 }
 
+bool json::isValid(std::string_view text) {
+    return nlohmann::json::accept(text.begin(), text.end());
+}
+
 std::string json::write(const PropertyValue& value) {
     return toLibrary(value).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }

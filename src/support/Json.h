@@ -23,6 +23,9 @@ namespace json {
 // an object repeats a key the last value counts.
 PropertyValue parse(std::string_view text);
 
+// Whether `parse` takes the text, however deep it is. Builds nothing.
+bool isValid(std::string_view text);
+
 // One line without spaces. Data is written as a string; bytes that are no UTF-8 become the replacement
 // character; numbers that JSON cannot hold become null.
 std::string write(const PropertyValue& value);

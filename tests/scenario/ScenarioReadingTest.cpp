@@ -68,6 +68,23 @@ TEST(ScenarioReading, RefusesWhatIsNoScenario) {
         EXPECT_EQ(failure(text), "") << text;
 }
 
+TEST(ScenarioReading, NothingIsPrintedBeforeTheLastStepThatMayFail) {
+    const auto printed = [](const char* last) {
+        std::size_t lines = 0;
+        const auto scenario = Scenario::read(
+            withSteps(R"({"at": 0, "test": 0}, {"at": 9, "settings": {}}, {"at": 20, "print": "state"},)" +
+                      std::string(last)));
+        EXPECT_THROW(scenario.play([&](const std::string&) {
+            if (++lines == 3)
+                throw ScenarioError("enough");
+        }),
+                     ScenarioError);
+        return lines;
+    };
+    EXPECT_EQ(printed(R"({"at": 21, "settings": {"rules": 1}})"), 0u) << "it fails before it prints";
+    EXPECT_EQ(printed(R"({"at": 21, "settings": {"rules": []}})"), 3u);
+}
+
 TEST(ScenarioReading, SettingsThatDoNotDecodeAreFoundWhilePlaying) {
     EXPECT_EQ(failure(withSteps(R"({"at": 0}, {"at": 1, "settings": {"playsSound": "loud"}})")).substr(0, 8),
               "step 2: ");

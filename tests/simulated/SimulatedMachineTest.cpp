@@ -102,6 +102,9 @@ TEST(SimulatedMachine, DefaultsAndFilesAreKeptAndWrittenDown) {
     EXPECT_EQ(machine.standardDefaults().value("b")->data()->bytes, "broken");
     EXPECT_FALSE(machine.standardDefaults().value("c"));
     EXPECT_EQ(machine.supportFiles().read("Kivo/energy.json"), "broken");
+    EXPECT_FALSE(machine.supportFiles().write("Kivo/energy.json", "{\n}"));
+    EXPECT_FALSE(machine.supportFiles().write("Kivo/energy.json", "{]"));
+    EXPECT_FALSE(machine.supportFiles().write("Kivo/energy.json", R"({"a":[1.5,"}"]})"));
     EXPECT_FALSE(machine.supportFiles().write("Kivo/energy.json", "{}"));
     EXPECT_EQ(machine.supportFiles().read("Kivo/energy.json"), "{}");
     machine.set(R"({"supportWritable": false, "defaults": {"group": null}})");
@@ -113,6 +116,9 @@ TEST(SimulatedMachine, DefaultsAndFilesAreKeptAndWrittenDown) {
               parsed({R"({"event":"defaults.write","suite":"standard","key":"a","value":{"json":{"x":1.5}}})",
                       R"({"event":"defaults.write","suite":"standard","key":"b","value":{"text":"broken"}})",
                       R"({"event":"defaults.write","suite":"group","key":"c","value":true})",
+                      R"({"event":"file.write","path":"Kivo/energy.json","json":{}})",
+                      R"({"event":"file.write","path":"Kivo/energy.json","text":"{]"})",
+                      R"({"event":"file.write","path":"Kivo/energy.json","json":{"a":[1.5,"}"]}})",
                       R"({"event":"file.write","path":"Kivo/energy.json","json":{}})"}));
 }
 
