@@ -4,6 +4,8 @@
 #include "linux/Bus.h"
 
 #include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
@@ -29,7 +31,7 @@ DesktopMotion::DesktopMotion(const QDBusConnection& session)
     : bus_(session), watcher_(portal, session, QDBusServiceWatcher::WatchForRegistration) {
     connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { readPortal(); });
     bus_.connect(portal, portalPath, portalSettings, QStringLiteral("SettingChanged"), this,
-                 SLOT(settingChanged(QString, QString, QDBusVariant)));
+                 SLOT(settingChanged(QDBusMessage)));
     readPortal();
 }
 
@@ -78,8 +80,10 @@ void DesktopMotion::readDesktopSettings() {
     process->start(gsettings, {QStringLiteral("get"), gnome, enableAnimations});
 }
 
-void DesktopMotion::settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
-    take(group, key, value.variant());
+void DesktopMotion::settingChanged(const QDBusMessage& message) {
+    const auto arguments = message.arguments();
+    take(arguments.value(0).toString(), arguments.value(1).toString(),
+         qdbus_cast<QDBusVariant>(arguments.value(2)).variant());
 }
 
 void DesktopMotion::take(const QString& group, const QString& key, const QVariant& value) {

@@ -3,13 +3,14 @@
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
-#include <QDBusVariant>
 #include <QObject>
 #include <QString>
 #include <QVariant>
 
 #include <map>
 #include <utility>
+
+class QDBusMessage;
 
 namespace kivo {
 
@@ -24,7 +25,8 @@ public:
     bool isReduced() const;
 
 private Q_SLOTS:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+    // The whole message: Qt does not deliver to a slot with a variant of the bus before it has met that type.
+    void settingChanged(const QDBusMessage& message);
 
 private:
     void readPortal();

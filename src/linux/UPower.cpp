@@ -25,6 +25,11 @@ bool tellsNothing(const QVariantMap& changed) {
     return changed.isEmpty() || (changed.size() == 1 && changed.contains(QStringLiteral("UpdateTime")));
 }
 
+// The device that a signal of the manager is about.
+QString pathIn(const QDBusMessage& message) {
+    return qdbus_cast<QDBusObjectPath>(message.arguments().value(0)).path();
+}
+
 } // namespace
 
 UPower::UPower(MainLoop& loop, LogSink& log, QDBusConnection bus)
@@ -138,15 +143,16 @@ void UPower::forgetDevices() {
     devices_.clear();
 }
 
-void UPower::deviceAdded(const QDBusObjectPath& path) {
-    addDevice(path.path());
+void UPower::deviceAdded(const QDBusMessage& message) {
+    addDevice(pathIn(message));
 }
 
-void UPower::deviceRemoved(const QDBusObjectPath& path) {
-    if (paths_.erase(path.path()) == 0)
+void UPower::deviceRemoved(const QDBusMessage& message) {
+    const QString path = pathIn(message);
+    if (paths_.erase(path) == 0)
         return;
-    followDevice(path.path(), false);
-    if (devices_.erase(path.path().toStdString()) != 0 && availability_ == Availability::present)
+    followDevice(path, false);
+    if (devices_.erase(path.toStdString()) != 0 && availability_ == Availability::present)
         listeners_.notify();
 }
 
@@ -175,8 +181,8 @@ void UPower::followManager(bool isFollowed) {
         else
             bus_.disconnect(connectedOwner_, managerPath, managerInterface, signal, this, slot);
     };
-    follow(QStringLiteral("DeviceAdded"), SLOT(deviceAdded(QDBusObjectPath)));
-    follow(QStringLiteral("DeviceRemoved"), SLOT(deviceRemoved(QDBusObjectPath)));
+    follow(QStringLiteral("DeviceAdded"), SLOT(deviceAdded(QDBusMessage)));
+    follow(QStringLiteral("DeviceRemoved"), SLOT(deviceRemoved(QDBusMessage)));
 }
 
 void UPower::followDevice(const QString& path, bool isFollowed) {

@@ -37,8 +37,9 @@ public:
     Subscription onChange(std::function<void()> listener) { return listeners_.add(std::move(listener)); }
 
 private Q_SLOTS:
-    void deviceAdded(const QDBusObjectPath& path);
-    void deviceRemoved(const QDBusObjectPath& path);
+    // Whole messages: Qt does not deliver to a slot with an object path of its own before it has met that type.
+    void deviceAdded(const QDBusMessage& message);
+    void deviceRemoved(const QDBusMessage& message);
     void propertiesChanged(const QString& interface, const QVariantMap& changed, const QStringList& invalidated,
                            const QDBusMessage& message);
 

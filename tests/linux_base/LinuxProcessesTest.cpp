@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <ctime>
 #include <dirent.h>
+#include <fstream>
+#include <string>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -54,6 +56,20 @@ public:
         char answer;
         ASSERT_EQ(write(orders_[1], "w", 1), 1);
         ASSERT_EQ(read(answers_[0], &answer, 1), 1);
+    }
+    // Until it waits for its next order: the last answer leaves a little before that.
+    void awaitRest() const {
+        const timespec nap{0, 1'000'000};
+        for (int i = 0; i < 5000; ++i) {
+            std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+            std::string id;
+            std::string name;
+            std::string state;
+            stat >> id >> name >> state;
+            if (state == "S")
+                return;
+            nanosleep(&nap, nullptr);
+        }
     }
     void end() {
         if (pid <= 0)
@@ -111,6 +127,7 @@ TEST(LinuxProcesses, AllThreadsCountAndSleepersDoNot) {
     });
     Worker sleeper([] {});
     sleeper.work();
+    sleeper.awaitRest();
     const Sample before(processes);
     busy.work();
     const Sample after(processes);
