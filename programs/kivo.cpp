@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "linux/LinuxMachine.h"
 #include "linux/SingleInstance.h"
+#include "linux/base/LinuxTexts.h"
 #include "platform/Workspace.h"
 #include "views/NotifiedIslands.h"
 #include "views/QtOverlayPanel.h"
@@ -128,6 +129,7 @@ int main(int argc, char** argv) {
         }
         showsTestAlert = true;
     }
+    installTextCatalogue(linuxTexts());
     catchTermination();
     chooseDisplay();
     QApplication::setDesktopFileName(QStringLiteral("io.github.kivo.Kivo"));
