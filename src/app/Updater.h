@@ -7,8 +7,8 @@ namespace kivo {
 
 class UpdateService;
 
-// Software updates: starts the update framework, which checks on its own schedule, and knows whether a check
-// may be asked for now.
+// Software updates: starts the update framework, which checks on its own schedule, and knows whether the
+// user may ask for a check.
 class Updater {
 public:
     explicit Updater(UpdateService& service);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/Windows.h"
+#include "scenario/Records.h"
 #include "scenario/ScenarioRun.h"
 #include "scenario/StepTable.h"
 #include "scenario/ViewTable.h"
@@ -65,14 +66,6 @@ StepTable::Action readOnboarding(const PropertyValue& value) {
     const auto threshold = reading::integer(record.require("threshold"), record.path("threshold"));
     record.finish();
     return acting([threshold](Onboarding& onboarding) { onboarding.setThreshold(threshold); });
-}
-
-template <typename T>
-Array list(const std::vector<T>& values, PropertyValue (*one)(const T&)) {
-    Array array;
-    for (const T& value : values)
-        array.push_back(one(value));
-    return array;
 }
 
 PropertyValue ruleSwitch(const OnboardingContent::Switch& value) {

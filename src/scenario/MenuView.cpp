@@ -7,15 +7,6 @@
 namespace kivo {
 namespace {
 
-// One record an element.
-template <typename T>
-Array list(const std::vector<T>& values, PropertyValue (*one)(const T&)) {
-    Array array;
-    for (const T& value : values)
-        array.push_back(one(value));
-    return array;
-}
-
 PropertyValue record(const Ink& ink) {
     if (const auto* color = std::get_if<Color>(&ink))
         return record(*color);

@@ -30,4 +30,13 @@ PropertyValue record(const std::optional<T>& value) {
     return value ? record(*value) : PropertyValue();
 }
 
+// One record an element.
+template <typename T>
+Array list(const std::vector<T>& values, PropertyValue (*one)(const T&)) {
+    Array array;
+    for (const T& value : values)
+        array.push_back(one(value));
+    return array;
+}
+
 } // namespace kivo
