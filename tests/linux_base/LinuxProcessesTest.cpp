@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/LinuxProcesses.h"
 
+#include "linux_base/Worker.h"
 #include "support/VirtualLoop.h"
 
 #include <gtest/gtest.h>
@@ -9,81 +10,15 @@
 #include <ctime>
 #include <dirent.h>
 #include <fstream>
+#include <functional>
+#include <memory>
 #include <string>
-#include <sys/wait.h>
+#include <sys/prctl.h>
 #include <thread>
 #include <unistd.h>
 
 namespace kivo {
 namespace {
-
-void burn(double milliseconds) {
-    timespec start, now;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &start);
-    do
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    while (static_cast<double>(now.tv_sec - start.tv_sec) * 1e3 +
-               static_cast<double>(now.tv_nsec - start.tv_nsec) / 1e6 <
-           milliseconds);
-}
-
-// A process that works when told to, then says so and waits.
-class Worker {
-public:
-    template <typename Work>
-    explicit Worker(Work work) {
-        if (pipe(orders_) != 0 || pipe(answers_) != 0)
-            throw std::runtime_error("no pipe");
-        pid = fork();
-        if (pid != 0)
-            return;
-        char order;
-        while (read(orders_[0], &order, 1) == 1 && order == 'w') {
-            work();
-            if (write(answers_[1], "d", 1) != 1)
-                break;
-        }
-        _exit(0);
-    }
-    ~Worker() {
-        end();
-        for (const int descriptor : {orders_[0], orders_[1], answers_[0], answers_[1]})
-            close(descriptor);
-    }
-    Worker(const Worker&) = delete;
-    Worker& operator=(const Worker&) = delete;
-    void work() {
-        char answer;
-        ASSERT_EQ(write(orders_[1], "w", 1), 1);
-        ASSERT_EQ(read(answers_[0], &answer, 1), 1);
-    }
-    // Until it waits for its next order: the last answer leaves a little before that.
-    void awaitRest() const {
-        const timespec nap{0, 1'000'000};
-        for (int i = 0; i < 5000; ++i) {
-            std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
-            std::string id;
-            std::string name;
-            std::string state;
-            stat >> id >> name >> state;
-            if (state == "S")
-                return;
-            nanosleep(&nap, nullptr);
-        }
-    }
-    void end() {
-        if (pid <= 0)
-            return;
-        EXPECT_EQ(write(orders_[1], "e", 1), 1);
-        waitpid(std::exchange(pid, 0), nullptr, 0);
-    }
-
-    pid_t pid = 0;
-
-private:
-    int orders_[2];
-    int answers_[2];
-};
 
 struct Sample {
     explicit Sample(LinuxProcesses& processes) { listed = processes.listAndRead(8192, readings); }
@@ -172,6 +107,51 @@ TEST(LinuxProcesses, ListsWhatTheKernelListsWithoutKeepingFilesOpen) {
     std::vector<Processes::Usage> few;
     EXPECT_GT(processes.listAndRead(3, few), 3);
     EXPECT_LE(few.size(), 3u);
+}
+
+// Starts a process with exactly that number, which was another's before; nothing when this is not allowed.
+std::unique_ptr<Worker> workerWithPid(pid_t pid, const std::function<void()>& work) {
+    for (int attempt = 0; attempt < 200; ++attempt) {
+        std::ofstream last("/proc/sys/kernel/ns_last_pid");
+        if (!(last << pid - 1 << std::flush))
+            return nullptr;
+        auto worker = std::make_unique<Worker>(work);
+        if (worker->pid == pid)
+            return worker;
+    }
+    return nullptr;
+}
+
+// A number that is used again must not pass the old process's name and owner on, also when the new one has
+// used more than the old; and forgotten inodes make no new process.
+TEST(LinuxProcesses, AReusedNumberIsAnotherProcess) {
+    const VirtualLoop loop;
+    LinuxProcesses processes(loop);
+    auto first = std::make_unique<Worker>([] { prctl(PR_SET_NAME, "first"); });
+    first->work();
+    first->awaitRest();
+    const pid_t pid = first->pid;
+    const Sample before(processes);
+    EXPECT_EQ(processes.kernelName(pid), "first");
+    first.reset();
+    burn(30); // into another tick of the kernel's clock
+    const auto second = workerWithPid(pid, [] {
+        prctl(PR_SET_NAME, "second");
+        burn(50);
+    });
+    if (!second)
+        GTEST_SKIP() << "may not choose process numbers";
+    second->work();
+    second->awaitRest();
+    const Sample after(processes);
+    EXPECT_EQ(processes.kernelName(pid), "second");
+    EXPECT_NEAR(*after.milliseconds(pid), 50, 5);
+
+    if (std::ofstream drop("/proc/sys/vm/drop_caches"); !(drop << 2 << std::flush))
+        GTEST_SKIP() << "may not drop inodes";
+    second->work();
+    second->awaitRest();
+    EXPECT_NEAR(*Sample(processes).milliseconds(pid), 100, 10) << "counted from nothing again";
 }
 
 } // namespace

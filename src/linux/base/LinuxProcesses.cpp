@@ -10,6 +10,7 @@
 #include <numeric>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kivo {
 namespace {
@@ -77,6 +78,7 @@ bool LinuxProcesses::list(std::size_t capacity) {
     used_.clear();
     listed_ = 0;
     next_ = asked_ = 0;
+    lastListingTick_ = std::exchange(listingTick_, currentTick());
     while (true) {
         const auto length = syscall(SYS_getdents64, proc_, buffer_.data(), buffer_.size());
         if (length <= 0)
@@ -84,17 +86,19 @@ bool LinuxProcesses::list(std::size_t capacity) {
         for (long position = 0; position < length;) {
             const char* const entry = buffer_.data() + position;
             unsigned short entryLength;
+            std::uint64_t inode;
             std::memcpy(&entryLength, entry + offsetof(Entry, length), sizeof entryLength);
+            std::memcpy(&inode, entry + offsetof(Entry, inode), sizeof inode);
             position += entryLength;
             const std::int32_t pid = pidOf(entry + offsetof(Entry, name));
             if (pid > 0 && ++listed_ <= static_cast<std::int64_t>(capacity))
-                readClock(pid);
+                readClock(pid, inode);
         }
     }
     return listed_ > 0;
 }
 
-void LinuxProcesses::readClock(std::int32_t pid) {
+void LinuxProcesses::readClock(std::int32_t pid, std::uint64_t inode) {
     timespec time;
     if (clock_gettime(clockOf(pid), &time) != 0)
         return;
@@ -103,17 +107,28 @@ void LinuxProcesses::readClock(std::int32_t pid) {
     // The kernel lists processes by their numbers.
     while (next_ < previous_.size() && previous_[next_].pid < pid)
         ++next_;
-    const bool isKnown =
-        next_ < previous_.size() && previous_[next_].pid == pid && previous_[next_].cpuNanoseconds <= clock;
-    if (isKnown) {
+    const bool isListed = next_ < previous_.size() && previous_[next_].pid == pid;
+    if (isListed && isSame(previous_[next_], inode, clock)) {
         processes_.push_back(previous_[next_]);
         used_.push_back(clock - previous_[next_].cpuNanoseconds);
+        processes_.back().inode = inode;
         processes_.back().cpuNanoseconds = clock;
     } else {
-        processes_.push_back({pid, notLookedUp, clock, 0});
+        processes_.push_back({pid, notLookedUp, inode, clock, 0});
         used_.push_back(clock);
         names_.erase(pid);
     }
+}
+
+// Whether the process is the one that had this number at the listing before.
+bool LinuxProcesses::isSame(const Process& before, std::uint64_t inode, std::uint64_t cpuNanoseconds) const {
+    if (cpuNanoseconds < before.cpuNanoseconds)
+        return false;
+    if (inode == before.inode)
+        return true;
+    // Short of memory, the kernel forgets inodes and makes new ones: only then is a file read.
+    const auto start = startTick(before.pid);
+    return start && *start <= lastListingTick_;
 }
 
 // The rate for what was used since the listing before.

@@ -7,6 +7,7 @@
 #include <array>
 #include <charconv>
 #include <climits>
+#include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -20,6 +21,7 @@ constexpr unsigned long kernelThreadFlag = 0x00200000;
 struct Stat {
     std::int32_t parent = 0;
     unsigned long flags = 0;
+    std::uint64_t start = 0; // in ticks
 };
 
 // The fields of /proc/PID/stat behind the name, which may hold anything.
@@ -29,7 +31,7 @@ std::optional<Stat> parseStat(std::string_view text) {
         return std::nullopt;
     text.remove_prefix(nameEnd + 1);
     Stat stat;
-    for (int field = 3; field <= 9; ++field) {
+    for (int field = 3; field <= 22; ++field) {
         text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ')));
         const auto word = text.substr(0, text.find(' '));
         text.remove_prefix(word.size());
@@ -37,6 +39,8 @@ std::optional<Stat> parseStat(std::string_view text) {
             std::from_chars(word.data(), word.data() + word.size(), stat.parent);
         if (field == 9)
             std::from_chars(word.data(), word.data() + word.size(), stat.flags);
+        if (field == 22)
+            std::from_chars(word.data(), word.data() + word.size(), stat.start);
     }
     return stat;
 }
@@ -148,6 +152,20 @@ std::optional<std::string> commandName(std::int32_t pid, const std::string& proc
     if (name && name->ends_with('\n'))
         name->pop_back();
     return name && !name->empty() ? name : std::nullopt;
+}
+
+std::optional<std::uint64_t> startTick(std::int32_t pid, const std::string& proc) {
+    const auto text = processFile(proc, pid, "stat");
+    const auto stat = text ? parseStat(*text) : std::nullopt;
+    return stat ? std::optional(stat->start) : std::nullopt;
+}
+
+std::uint64_t currentTick() {
+    timespec now{};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    const auto perSecond = static_cast<std::uint64_t>(sysconf(_SC_CLK_TCK));
+    return static_cast<std::uint64_t>(now.tv_sec) * perSecond +
+           static_cast<std::uint64_t>(now.tv_nsec) / (1'000'000'000 / perSecond);
 }
 
 } // namespace kivo
