@@ -7,6 +7,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -139,6 +140,24 @@ TEST(WholeFile, SurvivesAKillAtAnyInstant) {
     EXPECT_GT(stops, 10) << "hardly an instant was tried";
     EXPECT_GT(folder.names().size(), 1U) << "no kill left a half-written file";
     removeLeftovers(path);
+    EXPECT_EQ(folder.names(), Names{"x.json"});
+}
+
+// A write that breaks off in the middle: the old text stays, and nothing half-written beside it.
+TEST(WholeFile, AFullDiskLosesNothing) {
+    const TestFolder folder;
+    ASSERT_EQ(replaceWholeFile(folder / "x.json", "old"), std::nullopt);
+    const pid_t child = fork();
+    if (child == 0) {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit few{4096, 4096};
+        setrlimit(RLIMIT_FSIZE, &few);
+        _exit(replaceWholeFile(folder / "x.json", std::string(70'000, 'n')) ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "no error was told";
+    EXPECT_EQ(textOf(folder / "x.json"), "old");
     EXPECT_EQ(folder.names(), Names{"x.json"});
 }
 
