@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <utility>
 
 namespace kivo {
@@ -160,7 +161,8 @@ AlertSubject AppCoordinator::sampleSubject(const AlertTrigger& trigger) {
     switch (trigger.kind) {
     case Kind::macBelow: {
         // Any stored threshold counts, so the estimate must not overflow.
-        const std::int64_t minutes = std::clamp<std::int64_t>(threshold, 0, 1'000'000) * 3;
+        constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max() / 3;
+        const std::int64_t minutes = std::clamp<std::int64_t>(threshold, 0, largest) * 3;
         return BatterySnapshot{.level = threshold,
                                .source = Source::battery,
                                .minutesToEmpty = std::max<std::int64_t>(minutes, 4)};

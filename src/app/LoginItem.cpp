@@ -7,10 +7,16 @@
 namespace kivo {
 
 LoginItem::LoginItem(LoginService& service, LogSink& log)
-    : service_(service), logger_(log, "login-item"), isEnabled_(service.isEnabled()) {}
+    : service_(service), logger_(log, "login-item"), isEnabled_(service.isEnabled()) {
+    service_.onLateOutcome = lifetime_.guard([this](const std::optional<std::string>& error) { show(error); });
+}
 
 void LoginItem::setEnabled(bool isEnabled) {
-    if (const auto error = isEnabled ? service_.registerItem() : service_.unregisterItem()) {
+    show(isEnabled ? service_.registerItem() : service_.unregisterItem());
+}
+
+void LoginItem::show(const std::optional<std::string>& error) {
+    if (error) {
         logger_.error("Login item change failed: " + *error);
         errorMessage_.set(localized("Couldn’t change this. Move Kivo to Applications and try again."));
     } else {

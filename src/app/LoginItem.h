@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "support/Lifetime.h"
 #include "support/Log.h"
 #include "support/Observable.h"
 
@@ -27,10 +28,13 @@ public:
     Observable<std::optional<std::string>>& errorMessage() { return errorMessage_; }
 
 private:
+    void show(const std::optional<std::string>& error);
+
     LoginService& service_;
     Logger logger_;
     Observable<bool> isEnabled_;
     Observable<std::optional<std::string>> errorMessage_;
+    Lifetime lifetime_;
 };
 
 } // namespace kivo

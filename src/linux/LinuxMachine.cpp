@@ -8,14 +8,15 @@
 #include "linux/LinuxPowerSources.h"
 #include "linux/LinuxProcessRunner.h"
 #include "linux/LinuxWorkspace.h"
+#include "linux/PortalLoginService.h"
 #include "linux/PowerProfiles.h"
 #include "linux/QtLoop.h"
 #include "linux/QtScreens.h"
 #include "linux/base/AbsentAccessibility.h"
 #include "linux/base/AbsentDesktop.h"
-#include "linux/base/AbsentLoginService.h"
 #include "linux/base/AbsentMobileDevices.h"
 #include "linux/base/AbsentUpdateService.h"
+#include "linux/base/AutostartLoginService.h"
 #include "linux/base/FileUserDefaults.h"
 #include "linux/base/JournalLog.h"
 #include "linux/base/LinuxHaptics.h"
@@ -26,6 +27,16 @@
 #include <utility>
 
 namespace kivo {
+
+namespace {
+
+std::unique_ptr<LoginService> makeLogin(UserDefaults& defaults) {
+    if (PortalLoginService::isNeeded())
+        return std::make_unique<PortalLoginService>(QDBusConnection::sessionBus(), defaults);
+    return std::make_unique<AutostartLoginService>(AutostartLoginService::Places::find());
+}
+
+} // namespace
 
 // In the order of their dependencies: each may use those above it.
 struct LinuxMachine::Services {
@@ -57,7 +68,7 @@ struct LinuxMachine::Services {
     LinuxHaptics haptics;
     DBusWidgetCenter widgets{QDBusConnection::sessionBus(), writer};
     LinuxWorkspace workspace{QDBusConnection::sessionBus(), QDBusConnection::systemBus(), log};
-    AbsentLoginService login;
+    std::unique_ptr<LoginService> login = makeLogin(standardDefaults);
     AbsentUpdateService updates;
 
     AbsentOverlayPanel absentPanel;
@@ -147,7 +158,7 @@ Windows& LinuxMachine::windows() {
     return *services_->windows;
 }
 LoginService& LinuxMachine::login() {
-    return services_->login;
+    return *services_->login;
 }
 UpdateService& LinuxMachine::updates() {
     return services_->updates;

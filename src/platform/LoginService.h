@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -14,6 +15,11 @@ public:
     // Give the error's description, nothing on success.
     virtual std::optional<std::string> registerItem() = 0;
     virtual std::optional<std::string> unregisterItem() = 0;
+
+    // A desktop that asks its user first answers later: a change that was accepted then ends with its error's
+    // description, nothing on success. Called on the main thread, never within a change; not called for changes
+    // that ended at once.
+    std::function<void(const std::optional<std::string>& error)> onLateOutcome;
 };
 
 } // namespace kivo
