@@ -68,7 +68,7 @@ AutostartLoginService::Places AutostartLoginService::Places::find(const Environm
     places.program = ownProgram(environment);
     places.session.desktops = environment("XDG_CURRENT_DESKTOP").value_or("");
     places.session.isRunnable = [path = environment("PATH").value_or("/usr/local/bin:/usr/bin:/bin")](
-                                    const std::string& program) { return isRunnable(program, path); };
+                                    const std::string& named) { return isRunnable(named, path); };
     return places;
 }
 
