@@ -11,10 +11,10 @@
 #include "linux/PortalLoginService.h"
 #include "linux/PowerProfiles.h"
 #include "linux/QtLoop.h"
+#include "linux/QtPhoneWatcher.h"
 #include "linux/QtScreens.h"
 #include "linux/base/AbsentAccessibility.h"
 #include "linux/base/AbsentDesktop.h"
-#include "linux/base/AbsentMobileDevices.h"
 #include "linux/base/AbsentUpdateService.h"
 #include "linux/base/AutostartLoginService.h"
 #include "linux/base/FileUserDefaults.h"
@@ -23,6 +23,7 @@
 #include "linux/base/LinuxProcesses.h"
 #include "linux/base/LinuxSounds.h"
 #include "linux/base/LinuxSupportFiles.h"
+#include "linux/phones/LinuxMobileDevices.h"
 
 #include <utility>
 
@@ -40,8 +41,10 @@ std::unique_ptr<LoginService> makeLogin(UserDefaults& defaults) {
 
 // In the order of their dependencies: each may use those above it.
 struct LinuxMachine::Services {
-    QtLoop loop;
     JournalLog log;
+    // Its readings run in the loop's background, and end with it.
+    LinuxMobileDevices mobileDevices{log, LinuxMobileDevices::usualOptions()};
+    QtLoop loop;
 
     UPower upower{loop, log, QDBusConnection::systemBus()};
     KernelPower kernelPower{loop};
@@ -51,7 +54,7 @@ struct LinuxMachine::Services {
     LinuxDeviceRegistry registry{powerSources, accessorySources};
     PowerProfiles powerState{loop, QDBusConnection::systemBus()};
     LinuxProcessRunner processRunner{loop, registry};
-    AbsentMobileDevices mobileDevices;
+    QtPhoneWatcher phoneWatcher{loop, log, mobileDevices, HelperProcess::findProgram()};
 
     DiskWriter writer;
     Folders folders = Folders::find();
