@@ -29,7 +29,7 @@ constexpr const char* usage =
     "       kivo-ios --help                      print this and end\n";
 
 constexpr unsigned longestLife = 60; // seconds; Kivo ends a reader much earlier
-constexpr rlim_t mostMemory = rlim_t{256} << 20;
+[[maybe_unused]] constexpr rlim_t mostMemory = rlim_t{256} << 20;
 
 bool say(std::string_view text) {
     while (!text.empty()) {
@@ -85,7 +85,7 @@ int watch() {
 
 void limitMemory() {
     // A sanitizer reserves far more than it uses.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifndef KIVO_SANITIZED
     const rlimit memory{mostMemory, mostMemory};
     setrlimit(RLIMIT_AS, &memory);
 #endif
