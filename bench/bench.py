@@ -212,7 +212,8 @@ def idle():
             for name in ('bench-tray', 'kivo'):
                 process = desktop.spawn(name, [binary(name)])
                 settled(process)
-                time.sleep(5)
+                # The first half minute has its own work: looking for a tray, the first save of the history.
+                time.sleep(70)
                 seen = Process(process)
                 switches, cpu = seen.switches(), seen.cpu()
                 time.sleep(60)

@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr Duration pollDelay = 30s;
+constexpr Duration pollDelay = 60s;
 // A battery's controller takes up to some seconds to notice that its adapter changed.
 constexpr Duration settlingDelay = 2s;
 
@@ -67,9 +67,12 @@ void KernelPower::read() {
     isReading_ = true;
     loop_.background([folder = folder_, self = self_]() -> MainLoop::Continuation {
         const auto all = readKernelSupplies(folder);
-        return [self, supplies = suppliesFromKernel(all), inputDevices = inputDeviceProperties(all)] {
-            if (*self)
-                (*self)->finished(supplies, inputDevices);
+        return [self, isEmpty = all.empty(), supplies = suppliesFromKernel(all),
+                inputDevices = inputDeviceProperties(all)] {
+            if (!*self)
+                return;
+            (*self)->isEmpty_ = isEmpty;
+            (*self)->finished(supplies, inputDevices);
         };
     });
 }
@@ -95,7 +98,9 @@ void KernelPower::follow(bool isFollowed) {
 }
 
 void KernelPower::poll() {
-    read();
+    // What is not there is announced when it comes.
+    if (!isEmpty_ || !monitor_->monitor)
+        read();
     poll_ = loop_.after(
         pollDelay, [this] { poll(); }, MainLoop::Precision::coarse);
 }

@@ -26,8 +26,8 @@ public:
     const std::vector<Dictionary>& inputDevices() const { return inputDevices_; }
     // Reads once; a call while a reading runs makes it read once more afterwards.
     void read();
-    // While following it reads at each event of a power supply and, as not every driver sends events, every
-    // 30 s.
+    // While following it reads at each event of a power supply and, as not every driver sends events, once a
+    // minute.
     void follow(bool isFollowed);
 
     // After each reading that found something else.
@@ -45,6 +45,7 @@ private:
     Observable<std::optional<Supplies>> supplies_;
     std::vector<Dictionary> inputDevices_;
     bool isReading_ = false;
+    bool isEmpty_ = false; // the last reading found no power supply at all
     bool mustReadAgain_ = false;
     std::unique_ptr<Monitor> monitor_;
     Subscription poll_;

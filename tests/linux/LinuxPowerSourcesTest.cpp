@@ -263,13 +263,13 @@ TEST_F(LinuxPowerSourcesTest, TheKernelFillsGapsAndStandsIn) {
     loop.advance(1ms);
     EXPECT_EQ(seen(), "58");
     writeKernel("BAT0", {{"capacity", "57"}});
-    loop.advance(30s);
+    loop.advance(60s);
     EXPECT_EQ(seen(), "57");
 
     startUPower();
     EXPECT_TRUE(comes("60 AC charging"));
     writeKernel("BAT0", {{"capacity", "9"}});
-    loop.advance(90s);
+    loop.advance(120s);
     EXPECT_EQ(seen(), "60 AC charging");
 }
 
