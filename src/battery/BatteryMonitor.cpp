@@ -86,7 +86,7 @@ void BatteryMonitor::readCondition() {
 
 std::optional<std::string> parseCondition(std::string_view report) {
     while (!report.empty()) {
-        const auto end = report.find('\n');
+        const auto end = report.find_first_of("\n\v\f\r");
         std::string_view line = report.substr(0, end);
         report = end == std::string_view::npos ? std::string_view() : report.substr(end + 1);
         if (line.find("Condition:") == std::string_view::npos)

@@ -29,7 +29,11 @@ public:
     bool start_array(std::size_t) override { return open(Array()); }
     bool end_array() override { return close(); }
     bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception& error) override {
-        error_ = error.what();
+        // Without the library's own mark in front: "[json.exception.parse_error.101] …".
+        const std::string_view message = error.what();
+        const auto mark = message.find("] ");
+        error_ = "the text is not JSON: ";
+        error_ += mark == std::string_view::npos ? message : message.substr(mark + 2);
         return false;
     }
 

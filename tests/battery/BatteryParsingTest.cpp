@@ -149,6 +149,7 @@ TEST(parseCondition, takesWhatFollowsTheFirstColon) {
     const std::array rows{
         Row{"Health:\n\n   Cycle Count: 7\n   Condition: Normal\n   Condition: Other\n", "Normal"},
         Row{"\t Condition:\t Service Recommended \t\n", "Service Recommended"},
+        Row{"Health:\r\n\r\n  Condition: Normal\r\n", "Normal"},
         Row{"Condition: a: b", "a: b"},
         Row{"Battery: Condition: Good", "Condition: Good"},
         Row{"Condition:", "Condition"},

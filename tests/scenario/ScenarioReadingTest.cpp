@@ -64,6 +64,7 @@ TEST(ScenarioReading, RefusesWhatIsNoScenario) {
     for (const char* text : {"", "{", "[]", "null", R"({"steps": {}})", R"({"machine": []})",
                              R"({"machine": {"mouse": 1}})", R"({"stepps": []})", "{\"steps\": []} x"})
         EXPECT_NE(failure(text), "") << text;
+    EXPECT_EQ(failure("{").substr(0, 43), "the text is not JSON: parse error at line 1");
     for (const char* text : {"{}", R"({"steps": []})", R"({"machine": {}})"})
         EXPECT_EQ(failure(text), "") << text;
 }
