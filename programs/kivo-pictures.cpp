@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // kivo-pictures FOLDER: paints every view into PNG files, for people to look at.
+#include "pictures/Menu.h"
 #include "ui/MenuBarLabel.h"
 #include "views/Convert.h"
 #include "views/IslandFilm.h"
@@ -364,6 +365,7 @@ int main(int argc, char** argv) {
     paintScales(folder);
     paintFilms(folder);
     paintTray(folder);
+    paintMenus(folder);
     paintSymbols(folder);
     return 0;
 }

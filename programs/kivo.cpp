@@ -8,6 +8,7 @@
 #include "views/NotifiedIslands.h"
 #include "views/QtOverlayPanel.h"
 #include "views/TrayIcon.h"
+#include "views/TrayMenu.h"
 
 #include <QApplication>
 #include <QSocketNotifier>
@@ -87,11 +88,19 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
         panel.show(coordinator.overlay().model(), machine.workspace());
     else
         notified.show(coordinator.overlay().model());
+    MenuModel menu(machine.loop(), coordinator, machine.workspace(), machine.windows());
+    TrayMenu menuWindow(machine.loop(), menu);
     TrayIcon tray(machine.loop(), coordinator.monitor().snapshot(), coordinator.settings());
-    tray.onQuit = [&app] { app.quit(); };
-    instance.onAction = [&coordinator](const QString& action) {
+    menu.onQuit = [&app] { app.quit(); };
+    tray.onClick = [&menuWindow](std::optional<QRect> icon) { menuWindow.toggle(icon); };
+    tray.onOpen = [&menuWindow](std::optional<QRect> icon) { menuWindow.open(icon); };
+    tray.onSettings = [&menu] { menu.perform(FooterControl::Action::settings); };
+    tray.onQuit = menu.onQuit;
+    instance.onAction = [&](const QString& action) {
         if (action == testAlertAction)
             testAlert(coordinator);
+        else if (action.isEmpty())
+            menuWindow.open(tray.iconPlace());
     };
     machine.whenSettled([&] {
         delegate.applicationDidFinishLaunching();
@@ -104,6 +113,7 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     const int status = app.exec();
     delegate.applicationWillTerminate();
     instance.onAction = nullptr;
+    menu.close();
     panel.showNothing();
     notified.showNothing();
     return status;

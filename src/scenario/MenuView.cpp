@@ -59,7 +59,6 @@ PropertyValue row(const DeviceRow& row) {
         {"isCharging", row.isCharging},
         {"parts", list(row.parts, part)},
         {"details", std::move(details)},
-        {"connection", row.connection},
         {"forget", row.forget},
     };
 }

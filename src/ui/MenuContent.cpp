@@ -5,6 +5,7 @@
 #include "overlay/IslandContent.h"
 #include "support/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -46,11 +47,12 @@ std::vector<HeroCard::Note> notes(const BatterySnapshot& snapshot) {
     if (snapshot.isCharging)
         return {};
     if (snapshot.isLowPowerMode)
-        return {{"tortoise.fill", localized("Low Power Mode is on"), localized("Change…")}};
+        return {
+            {"tortoise.fill", localized("Low Power Mode is on"), localized("Change…"), LevelTone::lowPower}};
     if (snapshot.source == Source::ac && !snapshot.isCharged && snapshot.level <= 99) {
         return {{"leaf.fill",
                  localized("macOS paused charging at %lld% to protect the battery", {snapshot.level}),
-                 localized("Limit…")}};
+                 localized("Limit…"), LevelTone::normal}};
     }
     return {};
 }
@@ -114,6 +116,29 @@ HealthTile statusTile(const std::optional<std::string>& condition) {
     return tile;
 }
 
+struct TimeUnit {
+    std::int64_t seconds;
+    const char* one;
+    const char* many;
+};
+
+constexpr std::array timeUnits{
+    TimeUnit{86400, "%lld day", "%lld days"}, TimeUnit{3600, "%lld hour", "%lld hours"},
+    TimeUnit{60, "%lld minute", "%lld minutes"}, TimeUnit{1, "%lld second", "%lld seconds"}};
+
+// A moment in the future counts as now; dates beyond any calendar stay within an integer.
+std::int64_t wholeSeconds(double seconds) {
+    return static_cast<std::int64_t>(std::clamp(seconds, 0.0, 1e15));
+}
+
+const TimeUnit& largestUnit(std::int64_t seconds) {
+    for (const auto& unit : timeUnits) {
+        if (seconds >= unit.seconds)
+            return unit;
+    }
+    return timeUnits.back();
+}
+
 std::string accessibilityLabel(PowerDevice::Part::Kind kind) {
     switch (kind) {
     case PowerDevice::Part::Kind::left:
@@ -162,19 +187,16 @@ std::vector<HealthTile> healthTiles(const BatteryHealth& health, const std::opti
 }
 
 std::string relativeTime(double seconds) {
-    struct Unit {
-        std::int64_t seconds;
-        const char* one;
-        const char* many;
-    };
-    constexpr std::array units{Unit{86400, "%lld day", "%lld days"}, Unit{3600, "%lld hour", "%lld hours"},
-                               Unit{60, "%lld minute", "%lld minutes"}};
-    const auto whole = static_cast<std::int64_t>(std::max(0.0, seconds));
-    for (const auto& unit : units) {
-        if (const auto count = whole / unit.seconds; count > 0)
-            return localized(count == 1 ? unit.one : unit.many, {count});
-    }
-    return localized(whole == 1 ? "%lld second" : "%lld seconds", {whole});
+    const std::int64_t whole = wholeSeconds(seconds);
+    const TimeUnit& unit = largestUnit(whole);
+    const std::int64_t count = whole / unit.seconds;
+    return localized(count == 1 ? unit.one : unit.many, {count});
+}
+
+double relativeTimeLasts(double seconds) {
+    const std::int64_t whole = wholeSeconds(seconds);
+    const std::int64_t unit = largestUnit(whole).seconds;
+    return std::min(static_cast<double>((whole / unit + 1) * unit) - seconds, 86400.0);
 }
 
 DeviceRow deviceRow(const PowerDevice& device, Date now) {
@@ -215,6 +237,17 @@ MenuSource menuSource(AppCoordinator& coordinator, Date now) {
     };
 }
 
+std::optional<double> menuLasts(const MenuSource& source) {
+    std::optional<double> soonest;
+    for (const auto& device : source.devices) {
+        if (!device.lastSeen)
+            continue;
+        const double lasts = relativeTimeLasts(source.now - *device.lastSeen);
+        soonest = std::min(soonest.value_or(lasts), lasts);
+    }
+    return soonest;
+}
+
 MenuContent menuContent(const MenuSource& source) {
     MenuContent menu;
     if (source.snapshot) {
@@ -224,13 +257,17 @@ MenuContent menuContent(const MenuSource& source) {
     } else {
         menu.empty = {{"powerplug.portrait", localized("This Mac has no battery")}};
     }
-    if (source.condition && conditionLabel(*source.condition).needsAttention)
+    if (source.snapshot && source.condition && conditionLabel(*source.condition).needsAttention)
         menu.attention = localized("macOS recommends having Apple check your battery");
-    menu.isLoading = !source.hasLoadedDevices;
+    menu.devicesTitle = localized("Devices");
+    if (!source.hasLoadedDevices && source.devices.empty())
+        menu.loading = localized("Looking for devices…");
     for (const auto& device : source.devices)
         menu.devices.push_back(deviceRow(device, source.now));
     if (source.devices.empty())
         menu.noDevices = localized("No accessories connected");
+    else
+        menu.devicesCount = std::to_string(source.devices.size());
     menu.footer = footer(source);
     return menu;
 }

@@ -35,6 +35,7 @@ struct HeroCard {
         std::string symbol;
         std::string text;
         std::string button;
+        LevelTone tone = LevelTone::normal; // of the symbol and its field
         bool operator==(const Note&) const = default;
     };
 
@@ -104,8 +105,10 @@ struct MenuContent {
     std::optional<Empty> empty;
     std::vector<HealthTile> tiles; // none when the machine tells nothing of its battery's health
     std::optional<std::string> attention;
-    bool isLoading = false;               // the devices have not been read yet
-    std::optional<std::string> noDevices; // the text in place of rows
+    std::string devicesTitle;
+    std::optional<std::string> devicesCount; // absent without devices
+    std::optional<std::string> noDevices;    // the text in place of rows
+    std::optional<std::string> loading;      // in place of that text, while no device has been read yet
     std::vector<DeviceRow> devices;
     std::vector<FooterControl> footer;
     bool operator==(const MenuContent&) const = default;
@@ -133,5 +136,9 @@ std::vector<HealthTile> healthTiles(const BatteryHealth& health, const std::opti
 DeviceRow deviceRow(const PowerDevice& device, Date now);
 // "5 minutes": the largest whole unit of a span in seconds, in the user's language.
 std::string relativeTime(double seconds);
+// In how many seconds that text will be another one.
+double relativeTimeLasts(double seconds);
+// In how many seconds the menu says something else although nothing has happened; absent: never.
+std::optional<double> menuLasts(const MenuSource& source);
 
 } // namespace kivo

@@ -7,6 +7,7 @@
 #include "views/TrayHost.h"
 #include "views/TrayImage.h"
 
+#include <QCursor>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPalette>
@@ -24,6 +25,12 @@ constexpr std::array iconSides{16, 22, 24, 32, 44, 48, 64};
 
 // Seconds between looks for a tray at the start of a session; then Qt waits for one by itself.
 constexpr std::array looks{0.3, 0.7, 1.0, 2.0, 4.0, 8.0, 16.0};
+
+// A click comes from where the pointer is.
+QRect aroundPointer() {
+    constexpr int side = 24;
+    return {QCursor::pos() - QPoint(side / 2, side / 2), QSize(side, side)};
+}
 
 QString toolTip(const std::optional<BatterySnapshot>& snapshot) {
     if (!snapshot)
@@ -68,15 +75,37 @@ void TrayIcon::lookForTray(int round) {
 }
 
 void TrayIcon::make() {
+    makeMenu();
+    icon_ = std::make_unique<QSystemTrayIcon>();
+    icon_->setContextMenu(menu_.get());
+    connect(icon_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason != QSystemTrayIcon::Context && onClick)
+            onClick(iconPlace().value_or(aroundPointer()));
+    });
+    refresh();
+    icon_->show();
+}
+
+void TrayIcon::makeMenu() {
     menu_ = std::make_unique<QMenu>();
+    menu_->addAction(toQString(localized("Open Kivo")), this, [this] {
+        if (onOpen)
+            onOpen(iconPlace());
+    });
+    menu_->addAction(toQString(localized("Settings…")), this, [this] {
+        if (onSettings)
+            onSettings();
+    });
+    menu_->addSeparator();
     menu_->addAction(toQString(localized("Quit Kivo")), this, [this] {
         if (onQuit)
             onQuit();
     });
-    icon_ = std::make_unique<QSystemTrayIcon>();
-    icon_->setContextMenu(menu_.get());
-    refresh();
-    icon_->show();
+}
+
+std::optional<QRect> TrayIcon::iconPlace() const {
+    const QRect place = icon_ ? icon_->geometry() : QRect();
+    return place.isEmpty() ? std::nullopt : std::optional(place);
 }
 
 bool TrayIcon::eventFilter(QObject* watched, QEvent* event) {

@@ -9,6 +9,7 @@
 
 #include <QMenu>
 #include <QObject>
+#include <QRect>
 #include <QSystemTrayIcon>
 
 #include <functional>
@@ -27,7 +28,13 @@ public:
     ~TrayIcon() override;
 
     // Callbacks out
+    // A click. `icon`: where the icon stands, as far as that is known; absent otherwise.
+    std::function<void(std::optional<QRect> icon)> onClick;
+    std::function<void(std::optional<QRect> icon)> onOpen; // the same from the context menu
+    std::function<void()> onSettings;
     std::function<void()> onQuit;
+
+    std::optional<QRect> iconPlace() const;
 
 protected:
     // The desktop's colours changed: the panel may be light or dark now.
@@ -36,6 +43,7 @@ protected:
 private:
     void lookForTray(int round);
     void make();
+    void makeMenu();
     void refreshSoon();
     void refresh();
 

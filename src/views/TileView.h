@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui/MenuContent.h"
+#include "views/Spoken.h"
+#include "views/ViewContext.h"
+
+#include <QWidget>
+
+namespace kivo {
+
+// One tile of the battery's health: 76 high.
+class TileView final : public QWidget, public Spoken {
+public:
+    static constexpr int tileHeight = 76;
+
+    TileView(ViewContext& context, QWidget* parent);
+    void setTile(const HealthTile& tile);
+    QAccessible::Role role() const override { return QAccessible::StaticText; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void updateTip();
+
+    ViewContext& context_;
+    HealthTile tile_;
+};
+
+// What the system says about the battery when somebody should look at it.
+class AttentionView final : public QWidget, public Spoken {
+public:
+    AttentionView(ViewContext& context, QWidget* parent);
+    void setText(const std::string& text);
+    int heightFor(int width) const;
+    QAccessible::Role role() const override { return QAccessible::AlertMessage; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    ViewContext& context_;
+    QString text_;
+};
+
+} // namespace kivo
