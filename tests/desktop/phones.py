@@ -21,6 +21,7 @@ Clients find it by USBMUXD_SOCKET_ADDRESS=UNIX:/absolute/path. A fault belongs t
   error:NAME                      the device's own error
   no-tls                          never answers the TLS greeting of the session
 """
+import contextlib
 import os
 import plistlib
 import socket
@@ -213,7 +214,8 @@ class Phone:
             self.connections.discard(handle)
             cut(handle)
             handle.close()
-            connection.close()
+            with contextlib.suppress(OSError):
+                connection.close()
 
     def _requests(self, connection):
         size, = struct.unpack('>I', received(connection, 4))
@@ -382,9 +384,13 @@ class Multiplexer:
             self.server.listen(64)
         in_background(self._accept, self.server)
 
+    def stop_listening(self):
+        cut(self.server)  # wakes the thread that accepts
+        self.server.close()
+
     def stop(self):
         """As usbmuxd ends: every connection is closed, the socket is gone. Phones stay attached for the next start."""
-        self.server.close()
+        self.stop_listening()
         if os.path.exists(self.address):
             os.unlink(self.address)
         with self.lock:
@@ -412,7 +418,7 @@ class Multiplexer:
             del self.phones[phone.number]
             self.tell({'MessageType': 'Detached', 'DeviceID': phone.number})
             for connection in list(phone.connections) + phone.servers:
-                cut(connection)
+                cut(connection)  # wakes whoever accepts there
             for server in phone.servers:
                 server.close()
             phone.servers, phone.services = [], {}
