@@ -6,6 +6,7 @@
 #include "linux/base/LinuxTexts.h"
 #include "platform/Workspace.h"
 #include "views/NotifiedIslands.h"
+#include "views/PaintedWindow.h"
 #include "views/QtOverlayPanel.h"
 #include "views/TrayIcon.h"
 #include "views/TrayMenu.h"
@@ -76,7 +77,8 @@ void testAlert(AppCoordinator& coordinator) {
 
 int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     LinuxMachine machine;
-    QtOverlayPanel panel(machine.loop());
+    PaintedWindows windows;
+    QtOverlayPanel panel(machine.loop(), windows);
     NotifiedIslands notified(machine.notifications());
     const OverlayChoice choice = chooseOverlay(QGuiApplication::platformName().toStdString());
     const bool hasWindows = choice.way == OverlayWay::windows;

@@ -11,8 +11,6 @@ namespace kivo {
 
 namespace {
 
-constexpr int levelCount = 5;
-
 // One running-sum pass along a line of `count` pixels that stand `stride` apart.
 void boxPass(const QRgb* from, QRgb* to, int count, int stride, int radius) {
     const int window = 2 * radius + 1;
@@ -84,16 +82,33 @@ QImage blurred(const QImage& image, double deviation) {
 }
 
 SoftImage::SoftImage(QImage image, double margin, double maxRadius) : margin_(margin), maxRadius_(maxRadius) {
-    const double scale = image.devicePixelRatio();
-    for (int i = 1; i < levelCount; ++i)
-        levels_.push_back(blurred(image, blurDeviation(maxRadius * i / (levelCount - 1)) * scale));
-    levels_.insert(levels_.begin(), std::move(image));
+    levels_[0] = std::move(image);
+}
+
+const QImage& SoftImage::level(std::size_t index) const {
+    QImage& image = levels_[index];
+    if (image.isNull()) {
+        const double radius = maxRadius_ * static_cast<double>(index) / (levelCount - 1);
+        image = blurred(levels_[0], blurDeviation(radius) * levels_[0].devicePixelRatio());
+    }
+    return image;
+}
+
+bool SoftImage::prepareOne(double radius) const {
+    const double place = std::clamp(radius / maxRadius_, 0.0, 1.0) * (levelCount - 1);
+    for (std::size_t i = 1; i < levelCount && static_cast<double>(i) < place + 1; ++i) {
+        if (levels_[i].isNull()) {
+            level(i);
+            return true;
+        }
+    }
+    return false;
 }
 
 QSizeF SoftImage::size() const {
     if (isNull())
         return {};
-    return levels_.front().deviceIndependentSize() - QSizeF(2 * margin_, 2 * margin_);
+    return levels_[0].deviceIndependentSize() - QSizeF(2 * margin_, 2 * margin_);
 }
 
 void SoftImage::paint(QPainter& painter, QPointF position, double radius, double opacity) const {
@@ -107,9 +122,9 @@ void SoftImage::paint(QPainter& painter, QPointF position, double radius, double
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const QPointF corner = position - QPointF(margin_, margin_);
     if (share < 0.01)
-        painter.drawImage(corner, levels_[lower]);
+        painter.drawImage(corner, level(lower));
     else
-        painter.drawImage(corner, mixed(levels_[lower], levels_[lower + 1], share));
+        painter.drawImage(corner, mixed(level(lower), level(lower + 1), share));
     painter.restore();
 }
 

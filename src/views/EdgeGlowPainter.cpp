@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace kivo::edgeglow {
@@ -71,13 +72,30 @@ QImage paint(Edge edge, QSizeF screen, Color tint, double scale) {
     std::array<QRgb, 256> ramp;
     for (int a = 0; a < 256; ++a)
         ramp[static_cast<std::size_t>(a)] = qPremultiply(qRgba(tint.red, tint.green, tint.blue, a));
+    auto light = [&](int x, int y) {
+        const float behind = band.at(x, y);
+        const float alpha = behind + lineOpacity * line.at(x, y) * (1 - behind);
+        return ramp[static_cast<std::size_t>(std::clamp(alpha * 255 + 0.5F, 0.0F, 255.0F))];
+    };
+    // Away from the corners a strip is the same all along.
+    const auto stretch = [scale](double start, double whole, int count) {
+        const int from = std::clamp(static_cast<int>(std::ceil((depth - start) * scale)), 0, count);
+        return std::pair(from, std::clamp(static_cast<int>((whole - depth - start) * scale), from, count));
+    };
+    const auto [left, right] = stretch(area.x(), screen.width(), pixels.width());
+    const auto [top, bottom] = stretch(area.y(), screen.height(), pixels.height());
     for (int y = 0; y < pixels.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < pixels.width(); ++x) {
-            const float behind = band.at(x, y);
-            const float alpha = behind + lineOpacity * line.at(x, y) * (1 - behind);
-            row[x] = ramp[static_cast<std::size_t>(std::clamp(alpha * 255 + 0.5F, 0.0F, 255.0F))];
+        if (y > top && y < bottom) {
+            std::copy_n(reinterpret_cast<const QRgb*>(image.constScanLine(top)), pixels.width(), row);
+            continue;
         }
+        for (int x = 0; x <= std::min(left, pixels.width() - 1); ++x)
+            row[x] = light(x, y);
+        if (right > left)
+            std::fill(row + left + 1, row + right, row[left]);
+        for (int x = std::max(right, left + 1); x < pixels.width(); ++x)
+            row[x] = light(x, y);
     }
     return image;
 }

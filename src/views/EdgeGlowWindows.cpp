@@ -3,6 +3,7 @@
 
 #include "views/Convert.h"
 
+#include <QPainter>
 #include <QScreen>
 
 #include <cmath>
@@ -30,8 +31,8 @@ QRect plainStrip(edgeglow::Edge edge, QSize screen) {
 } // namespace
 
 void EdgeGlowWindows::hide() {
-    for (auto& window : windows_)
-        window.reset();
+    for (auto& surface : surfaces_)
+        surface.reset();
     screen_ = nullptr;
     opacity_ = 0;
 }
@@ -46,18 +47,18 @@ void EdgeGlowWindows::show(const std::optional<GlowFrame>& glow, QScreen* screen
     if (isNew)
         make(glow->color, screen, isCompositing);
     // Steps that no eye tells apart are not worth a message to the display.
-    if (!isNew && std::abs(opacity - opacity_) < 0.002 && opacity != 1)
-        return;
-    if (!isNew && opacity == opacity_)
+    else if (opacity == opacity_ || (std::abs(opacity - opacity_) < 0.002 && opacity != 1))
         return;
     opacity_ = opacity;
-    for (auto& window : windows_) {
+    for (auto& surface : surfaces_) {
+        if (!surface)
+            continue;
         if (isCompositing_)
-            window->setOpacity(opacity);
+            surface->setOpacity(opacity);
         else
-            window->repaint({{}, window->size()});
+            surface->repaint({{}, surface->place().size()});
         if (isNew)
-            window->show();
+            surface->show();
     }
 }
 
@@ -65,14 +66,13 @@ void EdgeGlowWindows::make(Color color, QScreen* screen, bool isCompositing) {
     color_ = color;
     screen_ = screen;
     isCompositing_ = isCompositing;
-    const QRect place = screen->geometry();
-    for (std::size_t i = 0; i < windows_.size(); ++i) {
+    const QSize size = screen->geometry().size();
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
         const edgeglow::Edge edge = edgeglow::edges[i];
-        const QRect strip = isCompositing ? edgeglow::strip(edge, place.size()).toAlignedRect()
-                                          : plainStrip(edge, place.size());
-        windows_[i] = std::make_unique<PaintedWindow>(
-            screen, strip.translated(place.topLeft()),
-            [this, edge](QPainter& painter, const QRect& part) { paint(painter, edge, part); });
+        const QRect strip =
+            isCompositing ? edgeglow::strip(edge, size).toAlignedRect() : plainStrip(edge, size);
+        surfaces_[i] = display_.makeSurface(
+            *screen, strip, [this, edge](QPainter& painter, const QRect& part) { paint(painter, edge, part); });
     }
 }
 

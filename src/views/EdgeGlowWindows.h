@@ -3,7 +3,7 @@
 
 #include "overlay/IslandFrame.h"
 #include "views/EdgeGlowPainter.h"
-#include "views/PaintedWindow.h"
+#include "views/OverlaySurface.h"
 
 #include <array>
 #include <memory>
@@ -11,10 +11,12 @@
 
 namespace kivo {
 
-// The light along a screen's edges, in a window for each edge. Each is painted once; after that only the
-// windows' opacity changes. Without a compositor the light is a line of the colour.
+// The light along a screen's edges, in a surface for each edge. Each is painted once; after that only the
+// surfaces' opacity changes. Where nothing is blended the light is a line of the colour.
 class EdgeGlowWindows {
 public:
+    explicit EdgeGlowWindows(OverlayDisplay& display) : display_(display) {}
+
     void show(const std::optional<GlowFrame>& glow, QScreen* screen, bool isCompositing);
     void hide();
 
@@ -22,7 +24,8 @@ private:
     void make(Color color, QScreen* screen, bool isCompositing);
     void paint(QPainter& painter, edgeglow::Edge edge, const QRect& part);
 
-    std::array<std::unique_ptr<PaintedWindow>, 4> windows_;
+    OverlayDisplay& display_;
+    std::array<std::unique_ptr<OverlaySurface>, 4> surfaces_;
     QScreen* screen_ = nullptr;
     Color color_;
     double opacity_ = 0;

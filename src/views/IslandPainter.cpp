@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace kivo {
 
@@ -51,10 +52,14 @@ double mixedBlur(double first, double second) {
     return std::hypot(first, second);
 }
 
+double opacity(const RiseIn& pose, const IslandContentLayer& layer) {
+    return pose.opacity * layer.opacity;
+}
+
 void paintElement(QPainter& painter, const SoftImage& image, QPointF place, const RiseIn& pose,
                   const IslandContentLayer& layer) {
     image.paint(painter, place + QPointF(0, pose.offset), mixedBlur(pose.blur, layer.blur),
-                pose.opacity * layer.opacity);
+                opacity(pose, layer));
 }
 
 } // namespace
@@ -64,8 +69,16 @@ QRectF IslandPainter::bounds(const IslandFrame& island) {
     return toQRectF(island.frame).translated(island.nudge, 0).adjusted(-reach, -reach, reach, reach);
 }
 
+bool IslandPainter::prepareOne(const IslandFrame& island, double scale) {
+    return shadow_.prepare(island, scale) || texts_.prepareOne(island, scale);
+}
+
 void IslandPainter::release() {
     shadow_.release();
+    releaseContents();
+}
+
+void IslandPainter::releaseContents() {
     texts_.keepOnly({});
 }
 
@@ -114,7 +127,6 @@ void IslandPainter::paintRing(QPainter& painter, const IslandFrame& island) {
 
 void IslandPainter::paintLayer(QPainter& painter, const IslandFrame& island, const IslandContentLayer& layer,
                                double scale) {
-    const ContentImages& images = texts_.images(layer, scale);
     const QRectF area = toQRectF(island.contentFrame);
     painter.save();
     painter.translate(area.center() + QPointF(0, layer.offset));
@@ -126,16 +138,22 @@ void IslandPainter::paintLayer(QPainter& painter, const IslandFrame& island, con
         const QPointF snapped(std::round(onPanel.x() * scale) / scale, std::round(onPanel.y() * scale) / scale);
         return snapped - onPanel + corner + place;
     };
-    paintElement(painter, images.title, placed(images.titlePlace), island.title, layer);
-    paintElement(painter, images.subtitle, placed(images.subtitlePlace), island.subtitle, layer);
-
-    const QPointF glyph = placed(images.glyphPlace);
-    const QPointF middle(images.glyph.size().width() / 2, images.glyph.size().height() / 2);
-    const bool bounces = std::holds_alternative<IslandContent::Symbol>(layer.content.leading);
-    const double size = island.glyphScale * (bounces ? layer.symbolBounce : 1);
-    painter.translate(glyph + middle);
-    painter.scale(size, size);
-    paintElement(painter, images.glyph, -middle, island.leading, layer);
+    using Part = IslandTexts::Part;
+    for (const auto& [part, pose] : {std::pair(Part::title, island.title), {Part::subtitle, island.subtitle}}) {
+        if (opacity(pose, layer) > 0) {
+            const auto& [image, place] = texts_.painting(layer, part, scale);
+            paintElement(painter, image, placed(place), pose, layer);
+        }
+    }
+    if (opacity(island.leading, layer) > 0) {
+        const auto& [image, place] = texts_.painting(layer, Part::glyph, scale);
+        const QPointF middle(image.size().width() / 2, image.size().height() / 2);
+        const bool bounces = std::holds_alternative<IslandContent::Symbol>(layer.content.leading);
+        const double size = island.glyphScale * (bounces ? layer.symbolBounce : 1);
+        painter.translate(placed(place) + middle);
+        painter.scale(size, size);
+        paintElement(painter, image, -middle, island.leading, layer);
+    }
     painter.restore();
 }
 

@@ -15,7 +15,11 @@ public:
     void paint(QPainter& painter, const IslandFrame& island, double scale);
     // Everything that `paint` may touch.
     static QRectF bounds(const IslandFrame& island);
+    // Makes one costly thing that the frames after this one will need, ahead of them; false when all are there.
+    bool prepareOne(const IslandFrame& island, double scale);
     void release();
+    // The shadow stays: the next island has most likely the same.
+    void releaseContents();
 
 private:
     void paintBody(QPainter& painter, const IslandFrame& island, double scale);

@@ -42,11 +42,18 @@ void IslandShadow::makeImage(Color tint) {
     painter.fillRect(QRectF({}, image_.deviceIndependentSize()), toQColor(tint));
 }
 
+bool IslandShadow::prepare(const IslandFrame& island, double scale) {
+    const bool isReady =
+        !shade_.isNull() && isAttached_ == island.isAttached && shade_.devicePixelRatio() == scale;
+    if (!isReady)
+        makeShade(island.isAttached, scale);
+    return !isReady;
+}
+
 void IslandShadow::paint(QPainter& painter, const QRectF& frame, const IslandFrame& island, double scale) {
     if (island.shadowOpacity <= 0)
         return;
-    if (shade_.isNull() || isAttached_ != island.isAttached || shade_.devicePixelRatio() != scale)
-        makeShade(island.isAttached, scale);
+    prepare(island, scale);
     if (image_.isNull() || tint_ != island.tint)
         makeImage(island.tint);
     const QSizeF size = image_.deviceIndependentSize();

@@ -17,6 +17,8 @@ public:
 
     // Paints around `frame` (with the nudge in it), also beneath the body.
     void paint(QPainter& painter, const QRectF& frame, const IslandFrame& island, double scale);
+    // Blurs what `paint` will need; false when it is there already.
+    bool prepare(const IslandFrame& island, double scale);
     void release() { shade_ = image_ = {}; }
 
 private:

@@ -85,26 +85,7 @@ void paintLevelRing(QPainter& painter, const QRectF& box, double progress, Color
     painter.restore();
 }
 
-ContentImages IslandTexts::make(const IslandContent& content, double scale) {
-    Line title{typeface(17, QFont::DemiBold, true), Qt::white, toQString(content.title)};
-    title.font.setLetterSpacing(QFont::AbsoluteSpacing, -0.2);
-    QColor soft(Qt::white);
-    soft.setAlphaF(0.6F);
-    const Line subtitle{typeface(13, QFont::Medium), soft, toQString(content.subtitle)};
-    const double textX = sidePadding + glyphSide + glyphGap;
-    const double textWidth = contentSize.width() - textX - sidePadding;
-
-    ContentImages images;
-    images.scale = scale;
-    images.title = paintLine(title, textWidth, scale);
-    images.subtitle = paintLine(subtitle, textWidth, scale);
-    const double titleHeight = QFontMetricsF(title.font).height();
-    const double blockHeight = titleHeight + QFontMetricsF(subtitle.font).height();
-    const double top = (contentSize.height() - blockHeight) / 2 + drop;
-    images.titlePlace = QPointF(textX, top);
-    images.subtitlePlace = QPointF(textX, top + titleHeight);
-
-    images.glyphPlace = QPointF(sidePadding, (contentSize.height() - glyphSide) / 2);
+SoftImage IslandTexts::makeGlyph(const IslandContent& content, double scale) {
     QImage glyph = transparentImage({glyphSide, glyphSide}, scale);
     QPainter painter(&glyph);
     const QRectF box(margin, margin, glyphSide, glyphSide);
@@ -113,16 +94,52 @@ ContentImages IslandTexts::make(const IslandContent& content, double scale) {
     else
         paintLevelRing(painter, box, content.progress, content.tint);
     painter.end();
-    images.glyph = SoftImage(std::move(glyph), margin, maxBlur);
     symbols_.clear();
-    return images;
+    return SoftImage(std::move(glyph), margin, maxBlur);
 }
 
-const ContentImages& IslandTexts::images(const IslandContentLayer& layer, double scale) {
-    ContentImages& images = kept_[layer.token];
-    if (images.scale != scale)
-        images = make(layer.content, scale);
-    return images;
+IslandTexts::Painting IslandTexts::make(const IslandContent& content, Part part, double scale) {
+    if (part == Part::glyph)
+        return {makeGlyph(content, scale), {sidePadding, (contentSize.height() - glyphSide) / 2}};
+    Line title{typeface(17, QFont::DemiBold, true), Qt::white, toQString(content.title)};
+    title.font.setLetterSpacing(QFont::AbsoluteSpacing, -0.2);
+    QColor soft(Qt::white);
+    soft.setAlphaF(0.6F);
+    const Line subtitle{typeface(13, QFont::Medium), soft, toQString(content.subtitle)};
+    const double titleHeight = QFontMetricsF(title.font).height();
+    const double blockHeight = titleHeight + QFontMetricsF(subtitle.font).height();
+    const double top = (contentSize.height() - blockHeight) / 2 + drop;
+    const double left = sidePadding + glyphSide + glyphGap;
+    const double width = contentSize.width() - left - sidePadding;
+    if (part == Part::title)
+        return {paintLine(title, width, scale), {left, top}};
+    return {paintLine(subtitle, width, scale), {left, top + titleHeight}};
+}
+
+const IslandTexts::Painting& IslandTexts::painting(const IslandContentLayer& layer, Part part, double scale) {
+    Kept& kept = kept_[layer.token];
+    if (kept.scale != scale)
+        kept = {scale, {}};
+    Painting& painting = kept.paintings[static_cast<std::size_t>(part)];
+    if (painting.image.isNull())
+        painting = make(layer.content, part, scale);
+    return painting;
+}
+
+bool IslandTexts::prepareOne(const IslandFrame& island, double scale) {
+    const std::pair<Part, const RiseIn*> parts[] = {
+        {Part::glyph, &island.leading}, {Part::title, &island.title}, {Part::subtitle, &island.subtitle}};
+    for (const IslandContentLayer& layer : island.layers) {
+        for (const auto& [part, pose] : parts) {
+            const Kept& kept = kept_[layer.token];
+            const bool isMissing =
+                kept.scale != scale || kept.paintings[static_cast<std::size_t>(part)].image.isNull();
+            const SoftImage& image = painting(layer, part, scale).image;
+            if (isMissing || image.prepareOne(std::hypot(pose->blur, layer.blur)))
+                return true;
+        }
+    }
+    return false;
 }
 
 void IslandTexts::keepOnly(const std::vector<IslandContentLayer>& layers) {

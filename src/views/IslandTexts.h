@@ -5,29 +5,38 @@
 #include "views/Blur.h"
 #include "views/SymbolPainter.h"
 
+#include <array>
 #include <cstdint>
 #include <map>
 
 namespace kivo {
 
-// The paintings of one content's glyph and lines, and where they stand.
-struct ContentImages {
-    SoftImage glyph, title, subtitle;
-    QPointF glyphPlace, titlePlace, subtitlePlace; // top left corners within the content frame
-    double scale = 0;                              // device pixels per point
-};
-
-// Makes the paintings of each content once and keeps them while the content shows.
+// The paintings of each content's glyph and lines: made once, when they are first seen or asked to be ready,
+// and kept while the content shows.
 class IslandTexts {
 public:
-    const ContentImages& images(const IslandContentLayer& layer, double scale);
+    enum class Part { glyph, title, subtitle };
+    struct Painting {
+        SoftImage image;
+        QPointF place; // its top left corner within the content frame, in points
+    };
+
+    // `scale` is device pixels per point.
+    const Painting& painting(const IslandContentLayer& layer, Part part, double scale);
+    // Makes one thing that this island will show and that is not there yet; false when all are.
+    bool prepareOne(const IslandFrame& island, double scale);
     // Forgets all but the contents of these layers.
     void keepOnly(const std::vector<IslandContentLayer>& layers);
 
 private:
-    ContentImages make(const IslandContent& content, double scale);
+    struct Kept {
+        double scale = 0;
+        std::array<Painting, 3> paintings;
+    };
+    Painting make(const IslandContent& content, Part part, double scale);
+    SoftImage makeGlyph(const IslandContent& content, double scale);
 
-    std::map<std::int64_t, ContentImages> kept_;
+    std::map<std::int64_t, Kept> kept_;
     SymbolPainter symbols_;
 };
 

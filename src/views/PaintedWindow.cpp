@@ -1,45 +1,94 @@
 // SPDX-License-Identifier: MIT
 #include "views/PaintedWindow.h"
 
+#include "views/DisplaySelection.h"
+
+#include <QBackingStore>
+#include <QPainter>
 #include <QScreen>
+#include <QWindow>
 
 namespace kivo {
 
-PaintedWindow::PaintedWindow(QScreen* screen, QRect geometry, Paint paint)
-    : QWindow(screen), paint_(std::move(paint)), store_(this) {
-    setSurfaceType(RasterSurface);
-    QSurfaceFormat format;
-    format.setAlphaBufferSize(8);
-    setFormat(format);
-    setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowTransparentForInput |
-             Qt::WindowDoesNotAcceptFocus | Qt::X11BypassWindowManagerHint | Qt::NoDropShadowWindowHint);
-    setTitle(QStringLiteral("Kivo"));
-    setGeometry(geometry);
-}
+namespace {
 
-void PaintedWindow::exposeEvent(QExposeEvent* /*event*/) {
-    if (isExposed())
-        repaint({{}, size()});
-}
-
-void PaintedWindow::repaint(QRect part) {
-    part &= QRect({}, size());
-    if (!isExposed() || part.isEmpty())
-        return;
-    if (store_.size() != size()) {
-        store_.resize(size());
-        part = QRect({}, size());
+// Its painting waits for no frame but happens when asked for.
+class Window final : public QWindow {
+public:
+    Window(QScreen* screen, OverlaySurface::Paint paint)
+        : QWindow(screen), paint_(std::move(paint)), store_(this) {
+        setSurfaceType(RasterSurface);
+        QSurfaceFormat format;
+        format.setAlphaBufferSize(8);
+        setFormat(format);
+        setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowTransparentForInput |
+                 Qt::WindowDoesNotAcceptFocus | Qt::X11BypassWindowManagerHint | Qt::NoDropShadowWindowHint);
+        setTitle(QStringLiteral("Kivo"));
     }
-    store_.beginPaint(part);
-    QPainter painter(store_.paintDevice());
-    painter.setClipRect(part);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(part, Qt::transparent);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    paint_(painter, part);
-    painter.end();
-    store_.endPaint();
-    store_.flush(part);
+
+    void repaint(QRect part) {
+        part &= QRect({}, size());
+        if (!isExposed() || part.isEmpty())
+            return;
+        if (store_.size() != size()) {
+            store_.resize(size());
+            part = QRect({}, size());
+        }
+        store_.beginPaint(part);
+        QPainter painter(store_.paintDevice());
+        painter.setClipRect(part);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(part, Qt::transparent);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        paint_(painter, part);
+        painter.end();
+        store_.endPaint();
+        store_.flush(part);
+    }
+
+protected:
+    void exposeEvent(QExposeEvent* /*event*/) override { repaint({{}, size()}); }
+
+private:
+    OverlaySurface::Paint paint_;
+    QBackingStore store_;
+};
+
+class PaintedWindow final : public OverlaySurface {
+public:
+    PaintedWindow(QScreen& screen, QRect place, Paint paint)
+        : origin_(screen.geometry().topLeft()), window_(&screen, std::move(paint)) {
+        setPlace(place);
+    }
+
+    QRect place() const override { return window_.geometry().translated(-origin_); }
+    void setPlace(QRect place) override { window_.setGeometry(place.translated(origin_)); }
+    void show() override {
+        if (window_.isVisible())
+            window_.raise();
+        else
+            window_.show();
+    }
+    void hide() override { window_.hide(); }
+    bool isVisible() const override { return window_.isVisible(); }
+    void repaint(QRect part) override { window_.repaint(part); }
+    void setOpacity(double opacity) override { window_.setOpacity(opacity); }
+    void setShape(const QRegion& shape) override { window_.setMask(shape); }
+
+private:
+    QPoint origin_; // of the screen
+    Window window_;
+};
+
+} // namespace
+
+std::unique_ptr<OverlaySurface> PaintedWindows::makeSurface(QScreen& screen, QRect place,
+                                                            OverlaySurface::Paint paint) {
+    return std::make_unique<PaintedWindow>(screen, place, std::move(paint));
+}
+
+bool PaintedWindows::isCompositing() {
+    return kivo::isCompositing();
 }
 
 } // namespace kivo

@@ -4,13 +4,14 @@
 #include "overlay/IslandLayout.h"
 #include "overlay/OverlayModel.h"
 #include "views/Convert.h"
-#include "views/DisplaySelection.h"
 
 #include <QGuiApplication>
+#include <QPainter>
 #include <QScreen>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace kivo {
 
@@ -44,11 +45,12 @@ QRegion plainShape(const IslandFrame& frame, QPoint origin) {
 
 } // namespace
 
-QtOverlayPanel::QtOverlayPanel(MainLoop& loop) : loop_(loop) {
+QtOverlayPanel::QtOverlayPanel(MainLoop& loop, OverlayDisplay& display)
+    : loop_(loop), display_(display), glow_(display) {
     screenRemoved_ = QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, qGuiApp, [this](QScreen* gone) {
         // The island is lost with its screen; the next one finds another.
         if (gone == screen_)
-            dropWindows();
+            dropSurfaces();
     });
 }
 
@@ -59,11 +61,12 @@ QtOverlayPanel::~QtOverlayPanel() {
 void QtOverlayPanel::show(OverlayModel& model, Workspace& workspace) {
     model_ = &model;
     choreography_ = std::make_unique<IslandChoreography>(loop_, model, workspace);
-    change_ = choreography_->onChange([this] { update(); });
+    change_ = choreography_->onChange([this] { changed(); });
 }
 
 void QtOverlayPanel::showNothing() {
     orderOut();
+    dropSurfaces();
     change_.cancel();
     choreography_.reset();
     model_ = nullptr;
@@ -71,34 +74,50 @@ void QtOverlayPanel::showNothing() {
 
 void QtOverlayPanel::setFrame(Rect frame) {
     QScreen* screen = screenAt(frame);
-    if (screen != screen_)
-        dropWindows();
+    const QRect place = screen ? screen->geometry() : QRect();
+    const double scale = screen ? screen->devicePixelRatio() : 1;
+    if (screen != screen_ || place != screenPlace_ || scale != screenScale_)
+        dropSurfaces();
     screen_ = screen;
+    screenPlace_ = place;
+    screenScale_ = scale;
 }
 
 void QtOverlayPanel::orderFront() {
     isOut_ = true;
-    isCompositing_ = isCompositing();
-    if (island_)
-        island_->raise();
+    const bool isCompositing = display_.isCompositing();
+    if (isCompositing != isCompositing_)
+        dropSurfaces();
+    isCompositing_ = isCompositing;
+    if (island_ && island_->isVisible())
+        island_->show();
 }
 
 void QtOverlayPanel::orderOut() {
     isOut_ = false;
-    dropWindows();
+    hideIsland();
 }
 
-void QtOverlayPanel::dropWindows() {
+void QtOverlayPanel::hideIsland() {
     nextFrame_.cancel();
-    island_.reset();
+    nextPreparation_.cancel();
+    if (island_)
+        island_->hide();
     glow_.hide();
-    painter_.release();
+    painter_.releaseContents();
     drawn_.reset();
 }
 
-double QtOverlayPanel::frameSeconds() const {
-    const double rate = screen_ ? screen_->refreshRate() : 60;
-    return 1 / std::clamp(rate, 30.0, 240.0);
+void QtOverlayPanel::dropSurfaces() {
+    hideIsland();
+    island_.reset();
+    painter_.release();
+}
+
+void QtOverlayPanel::changed() {
+    // While frames run, the next of them shows it.
+    if (!nextFrame_)
+        update();
 }
 
 void QtOverlayPanel::update() {
@@ -111,7 +130,19 @@ void QtOverlayPanel::update() {
         return;
     draw(*frame);
     if (choreography_->isMoving(now))
-        nextFrame_ = loop_.after(seconds(frameSeconds()), [this] { update(); });
+        scheduleFrame(now);
+}
+
+// On a grid of the screen's rate, whatever the drawing took.
+void QtOverlayPanel::scheduleFrame(Duration now) {
+    const double rate = std::clamp(screen_->refreshRate(), 30.0, 240.0);
+    const Duration step = seconds(1 / rate);
+    if (now - frameDue_ > 4 * step)
+        frameDue_ = now;
+    do
+        frameDue_ += step;
+    while (frameDue_ <= now);
+    nextFrame_ = loop_.after(frameDue_ - now, [this] { update(); });
 }
 
 void QtOverlayPanel::draw(const IslandFrame& frame) {
@@ -122,33 +153,37 @@ void QtOverlayPanel::draw(const IslandFrame& frame) {
     if (drawn_)
         changed |= IslandPainter::bounds(*drawn_);
     drawn_ = frame;
-    placeIsland(frame);
+    placeIsland(wantedPlace(frame));
+    if (!island_)
+        return;
+    const QPoint origin = island_->place().topLeft();
     if (!isCompositing_)
-        island_->setMask(plainShape(frame, islandOrigin_));
-    island_->repaint(changed.toAlignedRect().translated(-islandOrigin_));
+        island_->setShape(plainShape(frame, origin));
+    island_->repaint(changed.toAlignedRect().translated(-origin));
 }
 
-void QtOverlayPanel::placeIsland(const IslandFrame& frame) {
+QRect QtOverlayPanel::wantedPlace(const IslandFrame& frame) const {
     const auto& content = model_->content.get();
     const Rect reach = islandReach(model_->metrics.get(), content ? content->position : OverlayPosition::top);
-    const QRect screen({}, screen_->geometry().size());
-    // A content at another place has the island cross the screen: the window grows to hold both.
     const QRectF wanted = toQRectF(reach) | IslandPainter::bounds(frame);
-    QRect place = wanted.toAlignedRect() & screen;
-    const QPoint onDesktop = screen_->geometry().topLeft();
-    if (island_) {
-        const QRect current = island_->geometry().translated(-onDesktop);
-        if (current.contains(place))
-            return;
-        place |= current;
-        islandOrigin_ = place.topLeft();
-        island_->setGeometry(place.translated(onDesktop));
+    return wanted.toAlignedRect() & QRect({}, screenPlace_.size());
+}
+
+void QtOverlayPanel::placeIsland(QRect place) {
+    if (!island_)
+        island_ = display_.makeSurface(*screen_, place,
+                                       [this](QPainter& painter, const QRect&) { paintIsland(painter); });
+    if (!island_)
+        return;
+    if (island_->isVisible()) {
+        // A content at another place has the island cross the screen: the surface grows to hold both.
+        const QRect current = island_->place();
+        if (!current.contains(place))
+            island_->setPlace(place | current);
         return;
     }
-    islandOrigin_ = place.topLeft();
-    island_ =
-        std::make_unique<PaintedWindow>(screen_, place.translated(onDesktop),
-                                        [this](QPainter& painter, const QRect&) { paintIsland(painter); });
+    if (island_->place() != place)
+        island_->setPlace(place);
     island_->show();
 }
 
@@ -160,8 +195,20 @@ void QtOverlayPanel::paintIsland(QPainter& painter) {
         frame.shadowOpacity = 0;
         frame.bodyOpacity = 1;
     }
-    painter.translate(-islandOrigin_);
-    painter_.paint(painter, frame, painter.device()->devicePixelRatio());
+    scale_ = painter.device()->devicePixelRatio();
+    const bool isFirst = std::exchange(paintedToken_, frame.token) != frame.token;
+    painter.translate(-island_->place().topLeft());
+    painter_.paint(painter, frame, scale_);
+    if (isFirst)
+        prepareSoon();
+}
+
+// The first frame shows next to nothing. What later ones need is painted between them, a piece at a time.
+void QtOverlayPanel::prepareSoon() {
+    nextPreparation_ = loop_.after(seconds(0.001), [this] {
+        if (drawn_ && painter_.prepareOne(*drawn_, scale_))
+            prepareSoon();
+    });
 }
 
 } // namespace kivo

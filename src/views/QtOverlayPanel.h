@@ -6,7 +6,7 @@
 #include "support/MainLoop.h"
 #include "views/EdgeGlowWindows.h"
 #include "views/IslandPainter.h"
-#include "views/PaintedWindow.h"
+#include "views/OverlaySurface.h"
 
 #include <QObject>
 #include <QPointer>
@@ -19,12 +19,14 @@ namespace kivo {
 class OverlayModel;
 class Workspace;
 
-// The panel on this computer's screens. It covers a whole screen to the system; on the screen it is one window
-// just large enough for the island and four strips for the glow, made when an island comes and gone with it.
+// The panel on this computer's screens. It covers a whole screen to the system; on the screen it is one surface
+// just large enough for the island and four strips for the glow. The strips come and go with an island; its own
+// surface is made for the first one and then kept, hidden, so that the next is there at once.
 // Frames are drawn at the screen's rate while something moves; while all is still or hidden nothing runs.
 class QtOverlayPanel final : public OverlayPanel {
 public:
-    explicit QtOverlayPanel(MainLoop& loop);
+    // Both outlive the panel.
+    QtOverlayPanel(MainLoop& loop, OverlayDisplay& display);
     ~QtOverlayPanel() override;
 
     // What it shows from now on; both stay until `showNothing`.
@@ -36,29 +38,39 @@ public:
     void orderOut() override;
 
 private:
+    void changed();
     void update();
+    void scheduleFrame(Duration now);
     void draw(const IslandFrame& frame);
-    void placeIsland(const IslandFrame& frame);
+    QRect wantedPlace(const IslandFrame& frame) const;
+    void placeIsland(QRect place);
     void paintIsland(QPainter& painter);
-    void dropWindows();
-    double frameSeconds() const;
+    void prepareSoon();
+    void hideIsland();
+    void dropSurfaces();
 
     MainLoop& loop_;
+    OverlayDisplay& display_;
     OverlayModel* model_ = nullptr;
     std::unique_ptr<IslandChoreography> choreography_;
     QPointer<QScreen> screen_;
+    QRect screenPlace_;
+    double screenScale_ = 1;
     bool isOut_ = false;
     bool isCompositing_ = true;
 
     IslandPainter painter_;
     std::optional<IslandFrame> drawn_;
-    std::unique_ptr<PaintedWindow> island_;
-    QPoint islandOrigin_; // of the island's window on its screen
+    double scale_ = 1; // device pixels per point, as last painted
+    std::int64_t paintedToken_ = 0;
+    std::unique_ptr<OverlaySurface> island_;
     EdgeGlowWindows glow_;
 
     QMetaObject::Connection screenRemoved_;
+    Duration frameDue_{0};
     Subscription change_;
     Subscription nextFrame_;
+    Subscription nextPreparation_;
 };
 
 } // namespace kivo

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/QtOverlayPanel.h"
 #include "Stage.h"
+#include "views/PaintedWindow.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -46,7 +47,8 @@ protected:
     VirtualLoop loop;
     Desktop desktop;
     OverlayModel model;
-    QtOverlayPanel panel{loop};
+    PaintedWindows display;
+    QtOverlayPanel panel{loop, display};
 };
 
 TEST_F(QtOverlayPanelTest, HasOneSmallWindowThatLetsEverythingThrough) {
@@ -77,10 +79,30 @@ TEST_F(QtOverlayPanelTest, RunsOnlyWhileSomethingMoves) {
     advance(2);
     EXPECT_EQ(loop.pending(), 0U);
     EXPECT_TRUE(windows().empty()) << "nothing is left of it";
-    EXPECT_TRUE(QGuiApplication::topLevelWindows().empty()) << "not even a hidden window with its image";
-    present(batteryContent(30));
+}
+
+TEST_F(QtOverlayPanelTest, KeepsItsOwnWindowForTheNextIslandButNoGlow) {
+    IslandContent glowing = batteryContent(4, red);
+    glowing.glowsScreen = true;
+    present(glowing);
     advance(1);
-    EXPECT_EQ(windows().size(), 1) << "and the next one shows";
+    ASSERT_EQ(windows().size(), 5);
+    model.isPresented.set(false);
+    advance(1);
+    panel.orderOut();
+    advance(1);
+    ASSERT_EQ(QGuiApplication::topLevelWindows().size(), 1);
+    // One at another place, that the kept window has to go to.
+    IslandContent content = batteryContent(30);
+    content.position = OverlayPosition::center;
+    present(content);
+    advance(1);
+    ASSERT_EQ(windows().size(), 1);
+    EXPECT_EQ(windows().front(), QGuiApplication::topLevelWindows().front());
+    const QPoint middle = QGuiApplication::primaryScreen()->geometry().center();
+    EXPECT_LT((windows().front()->geometry().center() - middle).manhattanLength(), 3);
+    panel.showNothing();
+    EXPECT_TRUE(QGuiApplication::topLevelWindows().empty());
 }
 
 TEST_F(QtOverlayPanelTest, TheGlowIsFourStripsWhoseOpacityPulses) {
