@@ -1,39 +1,33 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "views/SymbolDrawing.h"
+
 #include <QColor>
 #include <QPainter>
 #include <QRectF>
 
+#include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
-
-class QSvgRenderer;
 
 namespace kivo {
 
 // Draws the vector symbols that the system names ("bolt.fill", "airpodspro", …) in one colour, sharp at any
-// size and scale. A name without a drawing draws nothing. Parsed drawings are kept until `clear`.
+// size and scale. A name without a drawing draws nothing. Drawings that were read are kept until `clear`.
 class SymbolPainter {
 public:
-    SymbolPainter();
-    ~SymbolPainter();
-    SymbolPainter(const SymbolPainter&) = delete;
-    SymbolPainter& operator=(const SymbolPainter&) = delete;
-
     static bool has(std::string_view name);
 
     // Fills the largest centred square of `box`; the drawing itself keeps a twelfth of it free around.
     void paint(QPainter& painter, std::string_view name, const QRectF& box, const QColor& tint);
-    void clear();
+    void clear() { drawings_.clear(); }
 
 private:
-    QSvgRenderer* renderer(std::string_view name, const QColor& tint);
+    const SymbolDrawing* drawing(std::string_view name);
 
-    std::map<std::pair<std::string, unsigned>, std::unique_ptr<QSvgRenderer>> renderers_;
+    std::map<std::string, SymbolDrawing, std::less<>> drawings_;
 };
 
 } // namespace kivo

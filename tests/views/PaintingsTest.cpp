@@ -2,6 +2,8 @@
 #include "Stage.h"
 #include "devices/PowerDevice.h"
 #include "views/EdgeGlowPainter.h"
+#include "views/Numerals.h"
+#include "views/SymbolDrawing.h"
 #include "views/SymbolPainter.h"
 #include "views/TrayImage.h"
 
@@ -52,6 +54,64 @@ TEST(SymbolPainter, AnUnknownNameDrawsNothing) {
     painter.end();
     EXPECT_EQ(painted(image), 0);
     EXPECT_FALSE(SymbolPainter::has("no.such.symbol"));
+}
+
+TEST(SymbolDrawing, ReadsEveryKindOfStep) {
+    const struct {
+        const char* label;
+        const char* data;
+        QRectF bounds;
+        QPointF end;
+        double length; // along the outline
+    } rows[] = {
+        {"absolute", "M10 20L40 20V50H10Z", {10, 20, 30, 30}, {10, 20}, 120},
+        {"relative, tight numbers", "m10 20h30v30h-30z", {10, 20, 30, 30}, {10, 20}, 120},
+        {"lines go on after a move", "M0 0 10 0 10 10", {0, 0, 10, 10}, {10, 10}, 20},
+        {"decimals without space", "m.5.5l9-0.0 0 9.", {0.5, 0.5, 9, 9}, {9.5, 9.5}, 18},
+        {"a half turn", "M0 0A5 5 0 0 1 10 0", {0, -5, 10, 5}, {10, 0}, 15.708},
+        {"the other way, tight flags", "M0 0a5 5 0 0010 0", {0, 0, 10, 5}, {10, 0}, 15.708},
+        {"the large part", "M0 0A5 5 0 1 1 5 5", {0, -5, 10, 10}, {5, 5}, 23.562},
+        {"too small an arc grows", "M0 0A1 1 0 0 1 10 0", {0, -5, 10, 5}, {10, 0}, 15.708},
+        {"smooth quadratics", "M0 0Q5 10 10 0T20 0", {0, -5, 20, 10}, {20, 0}, 29.579},
+        {"smooth cubics", "M0 0C0 6 10 6 10 0S20 -6 20 0", {0, -4.5, 20, 9}, {20, 0}, 30.154},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        const auto read =
+            readSymbol("<svg viewBox=\"0 -960 960 960\"><path d=\"" + std::string(row.data) + "\"/></svg>");
+        ASSERT_TRUE(read);
+        EXPECT_EQ(read->box, QRectF(0, -960, 960, 960));
+        const QRectF bounds = read->outline.boundingRect();
+        EXPECT_NEAR(bounds.left(), row.bounds.left(), 0.01);
+        EXPECT_NEAR(bounds.top(), row.bounds.top(), 0.01);
+        EXPECT_NEAR(bounds.right(), row.bounds.right(), 0.01);
+        EXPECT_NEAR(bounds.bottom(), row.bounds.bottom(), 0.01);
+        EXPECT_LT((read->outline.currentPosition() - row.end).manhattanLength(), 0.001);
+        EXPECT_NEAR(read->outline.length(), row.length, 0.06);
+    }
+    for (const char* bad : {"", "L10", "M0 0A5 5 0 2 1 10 0", "M0 0 X5", "M0 0L1 1z5 5"})
+        EXPECT_FALSE(readSymbol("<svg viewBox=\"0 0 9 9\"><path d=\"" + std::string(bad) + "\"/></svg>"))
+            << bad;
+    EXPECT_FALSE(readSymbol("<svg><path d=\"M0 0L1 1\"/></svg>")) << "no view box";
+}
+
+TEST(Numerals, EachIsItselfAndStaysInItsPlace) {
+    std::vector<QImage> seen;
+    for (const char* text : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "%"}) {
+        QImage image = blank(60);
+        QPainter painter(&image);
+        numerals::paint(painter, text, {10, 50}, 40, Qt::white);
+        painter.end();
+        const QRect box(10, 10, static_cast<int>(std::ceil(40 * numerals::width(text))), 40);
+        for (int y = 0; y < 60; ++y) {
+            for (int x = 0; x < 60; ++x)
+                ASSERT_TRUE(qAlpha(image.pixel(x, y)) == 0 || box.contains(x, y)) << text;
+        }
+        for (const QImage& other : seen)
+            EXPECT_NE(image, other);
+        seen.push_back(image);
+    }
+    EXPECT_DOUBLE_EQ(numerals::width("11"), numerals::width("48")) << "tabular";
 }
 
 TEST(Blur, KeepsTheLightAndSpreadsItAsAGaussianDoes) {
