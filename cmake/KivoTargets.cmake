@@ -3,6 +3,8 @@
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
 endif()
+# What is not in memory costs nothing: smaller code over the last percent of speed.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -19,6 +21,8 @@ add_library(kivo_options INTERFACE)
 target_include_directories(kivo_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(kivo_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
   -Woverloaded-virtual -Wimplicit-fallthrough -Wno-missing-field-initializers "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+target_compile_options(kivo_options INTERFACE $<$<CONFIG:Release>:-ffunction-sections -fdata-sections>)
+target_link_options(kivo_options INTERFACE $<$<CONFIG:Release>:LINKER:--gc-sections>)
 if(KIVO_WERROR)
   target_compile_options(kivo_options INTERFACE -Werror)
 endif()

@@ -2,7 +2,7 @@
 #include "views/BatteryGlyphPainter.h"
 
 #include "views/Convert.h"
-#include "views/Typeface.h"
+#include "views/Numerals.h"
 
 #include <QPainterPath>
 
@@ -12,13 +12,13 @@ namespace kivo {
 
 namespace {
 
-// A font of a fractional size: laid out ten times as large and scaled down.
-constexpr int textScale = 10;
+// The height of digits in a font, as a share of its size.
+constexpr double digitHeight = 0.715;
 
 struct Inside {
     QString number;
-    QFont font;
-    QRectF numberBox; // of the digits themselves
+    double tracking = 0; // in heights of a digit
+    QRectF numberBox;    // of the digits themselves
     QRectF boltBox;
 };
 
@@ -29,11 +29,9 @@ Inside layOut(const BatteryGlyph& glyph, const BatteryGlyphGeometry& g) {
     double numberHeight = 0;
     if (glyph.showsNumber) {
         inside.number = QString::number(std::clamp<std::int64_t>(glyph.level, 0, 100));
-        inside.font = typeface(static_cast<int>(std::lround(g.numberSize * textScale)), QFont::Bold);
-        inside.font.setLetterSpacing(QFont::AbsoluteSpacing, g.numberTracking * textScale);
-        const QFontMetricsF metrics(inside.font);
-        numberWidth = metrics.horizontalAdvance(inside.number) / textScale - g.numberTracking;
-        numberHeight = metrics.capHeight() / textScale;
+        numberHeight = g.numberSize * digitHeight;
+        inside.tracking = g.numberTracking / numberHeight;
+        numberWidth = numerals::width(inside.number, inside.tracking) * numberHeight;
     }
     // The drawing of the bolt is narrow in its square; a third of the square is what the eye sees.
     const double boltSide = glyph.isCharging ? g.boltSize * (glyph.showsNumber ? 0.8 : 1) : 0;
@@ -70,15 +68,9 @@ QColor inkWithin(const QColor& tint, const QColor& primary) {
 }
 
 void paintInside(QPainter& painter, const Inside& inside, const QColor& ink, SymbolPainter& symbols) {
-    if (!inside.number.isEmpty()) {
-        painter.save();
-        painter.translate(inside.numberBox.bottomLeft());
-        painter.scale(1.0 / textScale, 1.0 / textScale);
-        painter.setFont(inside.font);
-        painter.setPen(ink);
-        painter.drawText(QPointF(0, 0), inside.number);
-        painter.restore();
-    }
+    if (!inside.number.isEmpty())
+        numerals::paint(painter, inside.number, inside.numberBox.bottomLeft(), inside.numberBox.height(), ink,
+                        inside.tracking);
     if (!inside.boltBox.isEmpty())
         symbols.paint(painter, "bolt.fill", inside.boltBox, ink);
 }

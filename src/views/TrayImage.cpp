@@ -3,9 +3,7 @@
 
 #include "views/BatteryGlyphPainter.h"
 #include "views/Convert.h"
-#include "views/Typeface.h"
-
-#include <QFontMetricsF>
+#include "views/Numerals.h"
 
 #include <algorithm>
 
@@ -19,21 +17,17 @@ constexpr char32_t bolt = U'\u26A1';
 void paintText(QPainter& painter, QString text, const QRectF& box, const QColor& ink, SymbolPainter& symbols) {
     const bool hasBolt = text.startsWith(QString::fromUcs4(&bolt, 1));
     if (hasBolt)
-        text.remove(0, 2);
-    QFont font = typeface(100, QFont::Bold);
-    const QFontMetricsF metrics(font);
-    const double boltWidth = hasBolt ? 58 : 0;
-    const double width = metrics.horizontalAdvance(text) + boltWidth;
-    const double scale = std::min(box.width() / width, box.height() / metrics.capHeight());
-    painter.save();
-    painter.translate(box.center().x() - width * scale / 2, box.center().y() + metrics.capHeight() * scale / 2);
-    painter.scale(scale, scale);
-    if (hasBolt)
-        symbols.paint(painter, "bolt.fill", QRectF(-22, -metrics.capHeight() / 2 - 48, 96, 96), ink);
-    painter.setFont(font);
-    painter.setPen(ink);
-    painter.drawText(QPointF(boltWidth, 0), text);
-    painter.restore();
+        text.remove(0, 2); // with its variation selector
+    const double boltWidth = hasBolt ? 0.8 : 0;
+    const double width = numerals::width(text) + boltWidth;
+    const double height = std::min(box.width() / width, box.height());
+    const QPointF corner(box.center().x() - width * height / 2, box.center().y() + height / 2);
+    if (hasBolt) {
+        const double side = 1.3 * height;
+        symbols.paint(painter, "bolt.fill",
+                      QRectF(corner.x() - 0.31 * height, box.center().y() - side / 2, side, side), ink);
+    }
+    numerals::paint(painter, text, corner + QPointF(boltWidth * height, 0), height, ink);
 }
 
 } // namespace
