@@ -9,18 +9,17 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <vector>
 
 namespace kivo {
 
 class Accessibility;
-class AccessibilityElement;
 class Workspace;
 
 // Closes the system's own low-battery pop-up: while it may and the battery is low, it looks through the windows
-// of the notification process every 3 seconds for something that can be closed and speaks of a low battery.
+// of the notification process, and again 3 seconds after each look, for something that can be closed and speaks
+// of a low battery. Where the system has a switch for that pop-up, it is off while the feature is on.
 // Invariant: it watches exactly while it is enabled, trusted and the computer runs on battery at 20 % or less.
+// What a look that was under way then closed still counts.
 class SystemAlertDismisser {
 public:
     SystemAlertDismisser(MainLoop& loop, Accessibility& accessibility, Workspace& workspace, LogSink& log);
@@ -39,11 +38,11 @@ public:
     bool isWatching() const { return isWatching_; }
 
 private:
+    // Reads the permission anew and starts or ends the watch.
+    void followTrust();
     void watch();
-    void scan();
-    void visit(AccessibilityElement& element, int depth);
-    // Whether the element was a pop-up to close; it was then acted on.
-    bool dismiss(AccessibilityElement& element);
+    void countDismissed();
+    void scanEnded(std::uint64_t watchNumber);
 
     MainLoop& loop_;
     Accessibility& accessibility_;
@@ -51,9 +50,12 @@ private:
     Logger logger_;
     Observable<bool> isTrusted_;
     Observable<std::int64_t> dismissedCount_{0};
+    bool isEnabled_ = false;
+    bool isLow_ = false; // on battery at a level to watch at
     bool isWatching_ = false;
     std::uint64_t watchNumber_ = 0; // tells a watch that was stopped from the one that followed it
     Subscription nextScan_;
+    Subscription trustChange_;
     Lifetime lifetime_;
 };
 

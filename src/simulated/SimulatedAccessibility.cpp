@@ -105,11 +105,15 @@ SimulatedAccessibility::SimulatedAccessibility(SimulatedCore& core) : core_(core
 
 SimulatedAccessibility::~SimulatedAccessibility() = default;
 
-bool SimulatedAccessibility::isProcessTrustedWithPrompt() {
+void SimulatedAccessibility::isProcessTrustedWithPrompt(std::function<void(bool isTrusted)> answer) {
     auto& accessibility = core_.state.accessibility;
     core_.events.record("accessibility.prompt");
     accessibility.isTrusted = accessibility.isTrusted || accessibility.grantsOnPrompt;
-    return accessibility.isTrusted;
+    answer(accessibility.isTrusted);
+}
+
+void SimulatedAccessibility::read(Reading reading) {
+    reading(*this, [](const std::function<void()>& task) { task(); });
 }
 
 std::shared_ptr<AccessibilityElement> SimulatedAccessibility::applicationElement(std::int32_t pid) {

@@ -10,13 +10,19 @@ namespace kivo {
 
 // The user interfaces of other processes as a tree that closing an element takes it out of. The tree is built
 // from the machine's state and then lives its own life.
-class SimulatedAccessibility final : public Accessibility {
+class SimulatedAccessibility final : public Accessibility, public AccessibleProcesses {
 public:
     explicit SimulatedAccessibility(SimulatedCore& core);
     ~SimulatedAccessibility() override;
 
     bool isProcessTrusted() override { return core_.state.accessibility.isTrusted; }
-    bool isProcessTrustedWithPrompt() override;
+    void isProcessTrustedWithPrompt(std::function<void(bool isTrusted)> answer) override;
+    // Trust is as of the last look.
+    Subscription onTrustChange(std::function<void()>) override { return {}; }
+    void read(Reading reading) override;
+    // Its notice is a pop-up among the others.
+    void silenceLowBatteryNotice(bool) override {}
+
     std::shared_ptr<AccessibilityElement> applicationElement(std::int32_t pid) override;
     std::optional<std::int32_t> processWithIdentifier(std::string_view bundleIdentifier) override;
 

@@ -7,8 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
+#include <utility>
 
 using namespace kivo;
 
@@ -52,12 +54,34 @@ ElementPtr wrapped(ElementPtr inner, int levels) {
     return levels == 0 ? inner : element({}, {}, {wrapped(std::move(inner), levels - 1)});
 }
 
-struct Desktop : Accessibility, Workspace, LogSink {
+struct Desktop : Accessibility, AccessibleProcesses, Workspace, LogSink {
     bool isProcessTrusted() override { return isTrusted; }
-    bool isProcessTrustedWithPrompt() override {
+    void isProcessTrustedWithPrompt(std::function<void(bool)> answer) override {
         ++prompts;
-        return isTrusted = isTrusted || grants;
+        isTrusted = isTrusted || grants;
+        answers.push_back(std::move(answer));
+        if (!answersLate)
+            answers.back()(isTrusted);
     }
+    Subscription onTrustChange(std::function<void()> listener) override {
+        return trustListeners.add(std::move(listener));
+    }
+    void read(Reading reading) override {
+        if (readsLate)
+            held.push_back(std::move(reading));
+        else
+            reading(*this, [](const std::function<void()>& task) { task(); });
+    }
+    // What another thread does meanwhile; what it tells runs at the end.
+    void readHeld() {
+        for (const auto& reading : std::exchange(held, {})) {
+            std::vector<std::function<void()>> told;
+            reading(*this, [&](std::function<void()> task) { told.push_back(std::move(task)); });
+            for (const auto& task : told)
+                task();
+        }
+    }
+    void silenceLowBatteryNotice(bool isSilent) override { silenced += isSilent ? "1" : "0"; }
     std::shared_ptr<AccessibilityElement> applicationElement(std::int32_t) override {
         ++scans;
         return application;
@@ -77,6 +101,12 @@ struct Desktop : Accessibility, Workspace, LogSink {
     bool isTrusted = true;
     bool grants = false;
     bool isRunning = true;
+    bool answersLate = false;
+    bool readsLate = false;
+    std::vector<std::function<void(bool)>> answers;
+    std::vector<Reading> held;
+    Listeners trustListeners;
+    std::string silenced;
     int prompts = 0;
     int scans = 0;
     std::string opened;
@@ -120,28 +150,105 @@ TEST_F(SystemAlertDismisserTest, watchesOnlyWhileEveryConditionHolds) {
     dismisser.update(true, at(19));
     EXPECT_EQ(scansIn(2.999), 0) << "a further update leaves the running watch alone";
     EXPECT_EQ(scansIn(0.001), 1);
-    struct Row {
-        bool isEnabled;
-        std::optional<BatterySnapshot> snapshot;
-        bool isTrusted;
-    };
-    const Row losses[] = {{false, at(20), true},
-                          {true, at(21), true},
-                          {true, at(5, BatterySnapshot::PowerSource::ac), true},
-                          {true, {}, true},
-                          {true, at(20), false}};
-    for (const auto& row : losses) {
-        desktop.isTrusted = row.isTrusted;
-        dismisser.update(row.isEnabled, row.snapshot);
-        EXPECT_FALSE(dismisser.isWatching());
-        EXPECT_EQ(scansIn(10), 0);
-        desktop.isTrusted = true;
-        dismisser.update(true, at(20));
-        EXPECT_EQ(scansIn(3), 2);
-    }
     dismisser.update(false, at(20));
     dismisser.update(true, at(20));
     EXPECT_EQ(scansIn(3), 2) << "stopping and starting at once leaves one watch, not two";
+}
+
+// Each condition lost after each order of losing the others: one alone ends the watch at once, and only the last
+// one's return starts it again.
+TEST_F(SystemAlertDismisserTest, endsWithTheFirstConditionLostAndStartsWithTheLastRegained) {
+    struct State {
+        bool isEnabled = true, isTrusted = true, hasSnapshot = true, isOnBattery = true, isLow = true;
+    } state;
+    const auto tell = [&] {
+        desktop.isTrusted = state.isTrusted;
+        BatterySnapshot snapshot = at(state.isLow ? 20 : 21);
+        snapshot.source = state.isOnBattery ? onBattery : BatterySnapshot::PowerSource::ac;
+        dismisser.update(state.isEnabled, state.hasSnapshot ? std::optional(snapshot) : std::nullopt);
+    };
+    std::vector<std::pair<std::string, bool State::*>> order = {{"enabled", &State::isEnabled},
+                                                                {"low", &State::isLow},
+                                                                {"on battery", &State::isOnBattery},
+                                                                {"snapshot", &State::hasSnapshot},
+                                                                {"trusted", &State::isTrusted}};
+    tell();
+    EXPECT_EQ(scansIn(1), 1);
+    do {
+        std::string lost;
+        for (const auto& [name, condition] : order) {
+            lost += name + ", ";
+            state.*condition = false;
+            tell();
+            EXPECT_FALSE(dismisser.isWatching()) << "without " << lost;
+            EXPECT_EQ(scansIn(4), 0) << "without " << lost;
+        }
+        for (const auto& [name, condition] : order) {
+            EXPECT_EQ(scansIn(4), 0) << "before " << name << " came back after " << lost;
+            state.*condition = true;
+            tell();
+        }
+        EXPECT_EQ(scansIn(4), 2) << "all back after " << lost;
+    } while (std::next_permutation(order.begin(), order.end(),
+                                   [](const auto& a, const auto& b) { return a.first < b.first; }));
+}
+
+TEST_F(SystemAlertDismisserTest, followsTrustThatTheSystemTellsOf) {
+    desktop.isTrusted = false;
+    dismisser.update(true, at(20));
+    EXPECT_EQ(scansIn(4), 0);
+    desktop.isTrusted = true;
+    desktop.trustListeners.notify();
+    EXPECT_TRUE(dismisser.isTrusted().get());
+    EXPECT_EQ(scansIn(0), 1);
+    desktop.isTrusted = false;
+    desktop.trustListeners.notify();
+    EXPECT_EQ(scansIn(4), 0);
+}
+
+TEST_F(SystemAlertDismisserTest, aSlowReadingHoldsUpOnlyTheNextOne) {
+    desktop.readsLate = true;
+    desktop.application->children = {element({{"AXTitle", "low battery"}}, {"Close"})};
+    dismisser.update(true, at(20));
+    loop.advance(seconds(20));
+    EXPECT_EQ(desktop.held.size(), 1u) << "a scan never runs beside another";
+    desktop.readHeld();
+    EXPECT_EQ(dismisser.dismissedCount().get(), 1);
+    loop.advance(seconds(2.999));
+    EXPECT_EQ(desktop.held.size(), 0u) << "three seconds from the end of the last";
+    loop.advance(seconds(0.001));
+    EXPECT_EQ(desktop.held.size(), 1u);
+
+    dismisser.update(false, at(20));
+    dismisser.update(true, at(20));
+    desktop.readHeld();
+    loop.runPosted();
+    EXPECT_EQ(desktop.held.size(), 1u) << "the old scan's end is not the new watch's";
+    loop.advance(seconds(10));
+    EXPECT_EQ(desktop.held.size(), 1u);
+}
+
+TEST_F(SystemAlertDismisserTest, whatAReadingTellsAfterTheEndIsForNobody) {
+    desktop.readsLate = true;
+    desktop.answersLate = true;
+    desktop.application->children = {element({{"AXTitle", "low battery"}}, {"Close"})};
+    {
+        SystemAlertDismisser shortLived(loop, desktop, desktop, desktop);
+        shortLived.update(true, at(20));
+        loop.runPosted();
+        shortLived.requestTrust();
+    }
+    desktop.readHeld();
+    desktop.answers.at(0)(false);
+    EXPECT_EQ(desktop.opened, "");
+}
+
+TEST_F(SystemAlertDismisserTest, theSystemsOwnSwitchFollowsTheFeatureAlone) {
+    desktop.isTrusted = false;
+    dismisser.update(true, {});
+    dismisser.update(true, at(50));
+    dismisser.update(false, at(5));
+    EXPECT_EQ(desktop.silenced, "110");
 }
 
 TEST_F(SystemAlertDismisserTest, aMissingProcessIsLookedForAgain) {

@@ -21,8 +21,27 @@ protected:
     SimulatedMachine machine{std::string_view(notifications)};
     Accessibility& accessibility = machine.accessibility();
 
+    std::shared_ptr<AccessibilityElement> application(std::int32_t pid) {
+        std::shared_ptr<AccessibilityElement> result;
+        accessibility.read([&](AccessibleProcesses& processes, const Accessibility::Tell&) {
+            result = processes.applicationElement(pid);
+        });
+        return result;
+    }
+    std::optional<std::int32_t> process(std::string_view identifier) {
+        std::optional<std::int32_t> result;
+        accessibility.read([&](AccessibleProcesses& processes, const Accessibility::Tell&) {
+            result = processes.processWithIdentifier(identifier);
+        });
+        return result;
+    }
+    bool prompt() {
+        bool result = false;
+        accessibility.isProcessTrustedWithPrompt([&](bool isTrusted) { result = isTrusted; });
+        return result;
+    }
     std::vector<std::shared_ptr<AccessibilityElement>> windowChildren() {
-        return accessibility.applicationElement(7)->elements("AXWindows").at(0)->elements("AXChildren");
+        return application(7)->elements("AXWindows").at(0)->elements("AXChildren");
     }
     std::vector<bool> performed() {
         std::vector<bool> result;
@@ -33,11 +52,11 @@ protected:
 };
 
 TEST_F(SimulatedAccessibilityTest, ReadsTheTree) {
-    EXPECT_EQ(accessibility.processWithIdentifier("notifications"), 7) << "the first of two";
-    EXPECT_FALSE(accessibility.processWithIdentifier("nobody"));
-    EXPECT_TRUE(accessibility.applicationElement(5)->elements("AXWindows").empty());
-    EXPECT_TRUE(accessibility.applicationElement(99)->elements("AXWindows").empty());
-    const auto window = accessibility.applicationElement(7)->elements("AXWindows").at(0);
+    EXPECT_EQ(process("notifications"), 7) << "the first of two";
+    EXPECT_FALSE(process("nobody"));
+    EXPECT_TRUE(application(5)->elements("AXWindows").empty());
+    EXPECT_TRUE(application(99)->elements("AXWindows").empty());
+    const auto window = application(7)->elements("AXWindows").at(0);
     EXPECT_EQ(window->attribute("AXValue"), PropertyValue(5)) << "what is no text stays what it is";
     EXPECT_FALSE(window->attribute("AXDescription"));
     EXPECT_TRUE(window->actionNames().empty());
@@ -67,10 +86,10 @@ TEST_F(SimulatedAccessibilityTest, NothingWorksWithoutTrust) {
     untrusted.replace(untrusted.find("true"), 4, "false");
     machine.set(untrusted);
     EXPECT_FALSE(accessibility.isProcessTrusted());
-    EXPECT_TRUE(accessibility.applicationElement(7)->elements("AXWindows").empty());
-    EXPECT_FALSE(accessibility.isProcessTrustedWithPrompt());
+    EXPECT_TRUE(application(7)->elements("AXWindows").empty());
+    EXPECT_FALSE(prompt());
     machine.set(R"({"accessibility": {"grantsOnPrompt": true}})");
-    EXPECT_TRUE(accessibility.isProcessTrustedWithPrompt());
+    EXPECT_TRUE(prompt());
     EXPECT_TRUE(accessibility.isProcessTrusted());
     EXPECT_EQ(machine.events().lines().size(), 2u);
 }

@@ -9,9 +9,10 @@ namespace kivo {
 class AbsentAccessibility final : public Accessibility {
 public:
     bool isProcessTrusted() override { return false; }
-    bool isProcessTrustedWithPrompt() override { return false; }
-    std::shared_ptr<AccessibilityElement> applicationElement(std::int32_t) override { return nullptr; }
-    std::optional<std::int32_t> processWithIdentifier(std::string_view) override { return std::nullopt; }
+    void isProcessTrustedWithPrompt(std::function<void(bool)> answer) override { answer(false); }
+    Subscription onTrustChange(std::function<void()>) override { return {}; }
+    void read(Reading) override {}
+    void silenceLowBatteryNotice(bool) override {}
 };
 
 } // namespace kivo
