@@ -2,6 +2,7 @@
 #include "linux/LinuxMachine.h"
 
 #include "linux/DBusWidgetCenter.h"
+#include "linux/LinuxAccessibility.h"
 #include "linux/LinuxAccessorySources.h"
 #include "linux/LinuxDeviceRegistry.h"
 #include "linux/LinuxNotificationCenter.h"
@@ -13,7 +14,6 @@
 #include "linux/QtLoop.h"
 #include "linux/QtPhoneWatcher.h"
 #include "linux/QtScreens.h"
-#include "linux/base/AbsentAccessibility.h"
 #include "linux/base/AbsentDesktop.h"
 #include "linux/base/AbsentUpdateService.h"
 #include "linux/base/AutostartLoginService.h"
@@ -63,7 +63,7 @@ struct LinuxMachine::Services {
     LinuxSupportFiles supportFiles{folders.data, writer, loop};
 
     LinuxProcesses processes{loop};
-    AbsentAccessibility accessibility;
+    LinuxAccessibility accessibility{loop, QDBusConnection::sessionBus()};
 
     QtScreens screens;
     LinuxNotificationCenter notifications{QDBusConnection::sessionBus()};

@@ -155,8 +155,8 @@ TEST_F(SystemAlertDismisserTest, watchesOnlyWhileEveryConditionHolds) {
     EXPECT_EQ(scansIn(3), 2) << "stopping and starting at once leaves one watch, not two";
 }
 
-// Each condition lost after each order of losing the others: one alone ends the watch at once, and only the last
-// one's return starts it again.
+// Each condition lost after each order of losing the others: one alone ends the watch at once, and only the
+// last one's return starts it again.
 TEST_F(SystemAlertDismisserTest, endsWithTheFirstConditionLostAndStartsWithTheLastRegained) {
     struct State {
         bool isEnabled = true, isTrusted = true, hasSnapshot = true, isOnBattery = true, isLow = true;
