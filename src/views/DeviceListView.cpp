@@ -4,6 +4,8 @@
 #include "views/Convert.h"
 #include "views/Typeface.h"
 
+#include <QResizeEvent>
+
 #include <algorithm>
 #include <utility>
 
@@ -21,8 +23,7 @@ constexpr int leastRows = 2;
 DeviceListView::DeviceListView(ViewContext& context, QWidget* parent)
     : QWidget(parent), context_(context), content_(new QWidget), scroll_(context, this, content_) {}
 
-bool DeviceListView::setDevices(const MenuContent& content) {
-    const int oldHeight = fullHeight();
+void DeviceListView::setDevices(const MenuContent& content) {
     setAccessibleName(toQString(content.devicesTitle));
     const auto& placeholder = content.loading ? content.loading : content.noDevices;
     const QString text = toQString(placeholder.value_or(""));
@@ -36,7 +37,6 @@ bool DeviceListView::setDevices(const MenuContent& content) {
     if (isRearranged || isFirst_)
         layOut(!isFirst_);
     isFirst_ = false;
-    return fullHeight() != oldHeight;
 }
 
 bool DeviceListView::setRows(const std::vector<DeviceRow>& rows) {
@@ -51,12 +51,11 @@ bool DeviceListView::setRows(const std::vector<DeviceRow>& rows) {
         const auto shown = std::find_if(rows_.begin(), rows_.end(),
                                         [&](const auto& view) { return view && view->row().id == row.id; });
         if (shown != rows_.end()) {
-            isRearranged |= (*shown)->setRow(row, false) || before[i] != row.id;
+            isRearranged |= (*shown)->setRow(row, false) || (i < before.size() && before[i] != row.id);
             ordered.push_back(std::move(*shown));
             continue;
         }
         auto view = std::make_unique<DeviceRowView>(context_, content_);
-        view->resize(width(), rowHeight);
         view->setRow(row, true);
         view->onForget = [this](const std::string& id) {
             if (onForget)
@@ -94,28 +93,29 @@ void DeviceListView::layOut(bool isAnimated) {
     int top = 0;
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         DeviceRowView& row = *rows_[i];
-        row.resize(width(), row.rowHeight());
+        const int height = row.heightFor(width());
+        row.resize(width(), height);
         row.setDivided(i > 0);
         row.moveTo(top, isAnimated && row.y() >= 0);
-        top += row.rowHeight();
+        top += height;
     }
     scroll_.layOut(top);
     context_.wake();
 }
 
-int DeviceListView::fullHeight() const {
+int DeviceListView::heightFor(int width) const {
     if (isLoading_)
         return loadingRows * rowHeight;
     if (rows_.empty())
         return placeholderHeight;
     int height = 0;
     for (const auto& row : rows_)
-        height += row->rowHeight();
+        height += row->heightFor(width);
     return height;
 }
 
-int DeviceListView::leastHeight() const {
-    return std::min(fullHeight(), leastRows * rowHeight);
+int DeviceListView::leastHeight(int width) const {
+    return std::min(heightFor(width), leastRows * rowHeight);
 }
 
 bool DeviceListView::advance(Duration now) {
@@ -132,9 +132,11 @@ std::vector<QWidget*> DeviceListView::focusable() const {
     return found;
 }
 
-void DeviceListView::resizeEvent(QResizeEvent*) {
+void DeviceListView::resizeEvent(QResizeEvent* event) {
     scroll_.setGeometry(rect());
-    layOut(false);
+    // Another height moves no row.
+    if (event->oldSize().width() != width())
+        layOut(false);
 }
 
 void DeviceListView::paintEvent(QPaintEvent*) {

@@ -20,11 +20,11 @@ class DeviceListView final : public QWidget, public Spoken {
 public:
     DeviceListView(ViewContext& context, QWidget* parent);
 
-    // Returns whether its full height is another one now.
-    bool setDevices(const MenuContent& content);
-    int fullHeight() const;
+    void setDevices(const MenuContent& content);
+    // Of all rows.
+    int heightFor(int width) const;
     // The least height at which scrolling it makes sense.
-    int leastHeight() const;
+    int leastHeight(int width) const;
     bool advance(Duration now);
     std::vector<QWidget*> focusable() const;
     void reveal(const QWidget& row) { scroll_.reveal(row); }

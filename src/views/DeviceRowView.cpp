@@ -23,14 +23,18 @@ namespace {
 
 constexpr double textLeft = 48;
 constexpr double right = 16;
-constexpr double percentWidth = 38;
+constexpr double percentWidth = 41;
 constexpr double boltWidth = 12;
-constexpr double barWidth = 48;
+constexpr double barWidth = 46;
 constexpr int lineHeight = 16;
 constexpr double partGap = 7;
 
 QFont detailFont() {
     return typeface(11, QFont::Normal);
+}
+
+QFont partFont() {
+    return typeface(11, QFont::Medium);
 }
 
 // Where the level's bar begins, from the right edge.
@@ -45,8 +49,24 @@ QString levelText(std::int64_t level) {
 }
 
 double partWidth(const DeviceRow::Part& part) {
-    return textWidth(toQString(part.label), detailFont()) + 3 +
-           textWidth(levelText(part.level), typeface(11, QFont::Medium));
+    return textWidth(toQString(part.label), detailFont()) + 3 + textWidth(levelText(part.level), partFont());
+}
+
+// How many parts stand on each line: as many as fit.
+std::vector<std::size_t> partsPerLine(const std::vector<DeviceRow::Part>& parts, double room) {
+    std::vector<std::size_t> counts;
+    double used = 0;
+    for (const auto& part : parts) {
+        const double width = partWidth(part);
+        if (counts.empty() || used + partGap + width > room) {
+            counts.push_back(1);
+            used = width;
+        } else {
+            ++counts.back();
+            used += partGap + width;
+        }
+    }
+    return counts;
 }
 
 // As many pieces on a line as fit.
@@ -71,26 +91,36 @@ DeviceRowView::DeviceRowView(ViewContext& context, QWidget* parent)
 }
 
 bool DeviceRowView::setRow(const DeviceRow& row, bool isFirst) {
-    const Duration now = context_.loop.now();
-    const int oldHeight = height_;
     if (isFirst || context_.reducesMotion)
         level_.set(static_cast<double>(row.level));
     else
-        level_.animate(static_cast<double>(row.level), animations::settle, now);
+        level_.animate(static_cast<double>(row.level), animations::settle, context_.loop.now());
     if (!isFirst && row == row_)
         return false;
     row_ = row;
-    QStringList pieces;
-    if (row.connection)
-        pieces << toQString(*row.connection);
-    for (const auto& detail : row.details)
-        pieces << toQString(detail);
-    lines_ = wrapped(pieces, textRoom(width()));
-    const int lines = static_cast<int>(lines_.size()) + (row.parts.empty() ? 0 : 1);
-    height_ = 48 + std::max(lines - 1, 0) * lineHeight;
+    fittedWidth_ = 0;
     setAccessibleName(toQString(spoken(row)));
     update();
-    return height_ != oldHeight;
+    return true;
+}
+
+int DeviceRowView::heightFor(int width) {
+    if (width == fittedWidth_)
+        return height_;
+    fittedWidth_ = width;
+    QStringList pieces;
+    if (row_.connection)
+        pieces << toQString(*row_.connection);
+    for (const auto& detail : row_.details)
+        pieces << toQString(detail);
+    lines_ = wrapped(pieces, textRoom(width));
+    partLines_ = partsPerLine(row_.parts, textRoom(width));
+    height_ = 48 + std::max(lineCount() - 1, 0) * lineHeight;
+    return height_;
+}
+
+int DeviceRowView::lineCount() const {
+    return static_cast<int>(partLines_.size()) + static_cast<int>(lines_.size());
 }
 
 void DeviceRowView::setDivided(bool isDivided) {
@@ -157,7 +187,7 @@ void DeviceRowView::paintTexts(QPainter& painter) {
     top += 18;
     if (!row_.parts.empty()) {
         paintParts(painter, QRectF(textLeft, top, room, lineHeight));
-        top += partLines() * lineHeight;
+        top += static_cast<double>(partLines_.size()) * lineHeight;
     }
     for (const QString& line : lines_) {
         paintText(painter, QRectF(textLeft, top, room, lineHeight), Qt::AlignLeft | Qt::AlignVCenter, line,
@@ -166,29 +196,23 @@ void DeviceRowView::paintTexts(QPainter& painter) {
     }
 }
 
-// One line where they fit, else one each.
-int DeviceRowView::partLines() const {
-    double width = -partGap;
-    for (const auto& part : row_.parts)
-        width += partWidth(part) + partGap;
-    return width <= textRoom(this->width()) ? (row_.parts.empty() ? 0 : 1)
-                                            : static_cast<int>(row_.parts.size());
-}
-
 void DeviceRowView::paintParts(QPainter& painter, const QRectF& box) {
-    const bool isOneLine = partLines() == 1;
-    QRectF place = box;
-    for (const auto& part : row_.parts) {
-        const QString label = toQString(part.label);
-        paintText(painter, place, Qt::AlignLeft | Qt::AlignVCenter, label, detailFont(),
-                  context_.surface.tertiary);
-        const double labelEnd = textWidth(label, detailFont()) + 3;
-        paintText(painter, place.adjusted(labelEnd, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                  levelText(part.level), typeface(11, QFont::Medium), context_.surface.secondary);
-        if (isOneLine)
-            place.setLeft(place.left() + partWidth(part) + partGap);
-        else
-            place.translate(0, lineHeight);
+    double top = box.y();
+    std::size_t next = 0;
+    for (std::size_t count : partLines_) {
+        double left = box.x();
+        for (; count > 0; --count, ++next) {
+            const DeviceRow::Part& part = row_.parts[next];
+            const QString label = toQString(part.label);
+            const QRectF place(left, top, box.right() - left, lineHeight);
+            paintText(painter, place, Qt::AlignLeft | Qt::AlignVCenter, label, detailFont(),
+                      context_.surface.tertiary);
+            paintText(painter, place.adjusted(textWidth(label, detailFont()) + 3, 0, 0, 0),
+                      Qt::AlignLeft | Qt::AlignVCenter, levelText(part.level), partFont(),
+                      context_.surface.secondary);
+            left += partWidth(part) + partGap;
+        }
+        top += lineHeight;
     }
 }
 

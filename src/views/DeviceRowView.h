@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace kivo {
 
@@ -20,10 +21,10 @@ class DeviceRowView final : public QWidget, public Spoken {
 public:
     DeviceRowView(ViewContext& context, QWidget* parent);
 
-    // Returns whether its height is another one now.
+    // Returns whether it is another row now.
     bool setRow(const DeviceRow& row, bool isFirst);
     const DeviceRow& row() const { return row_; }
-    int rowHeight() const { return height_; }
+    int heightFor(int width);
     void setDivided(bool isDivided);
 
     // Where it stands in its list; from where it is by the list's spring.
@@ -49,15 +50,17 @@ protected:
 private:
     void paintTexts(QPainter& painter);
     void paintParts(QPainter& painter, const QRectF& box);
-    int partLines() const;
-    int lineCount() const { return partLines() + static_cast<int>(lines_.size()); }
+    int lineCount() const;
     void paintReading(QPainter& painter);
     void offerForgetting(QPoint position);
 
     ViewContext& context_;
     DeviceRow row_;
-    QStringList lines_; // the details as they stand under the name
+    // What is laid out for one width.
+    int fittedWidth_ = 0;
     int height_ = 0;
+    QStringList lines_;                  // the details as they stand under the name
+    std::vector<std::size_t> partLines_; // how many parts stand on each line before them
     bool isDivided_ = false;
     bool hasKeyboardFocus_ = false;
     AnimatedValue level_;

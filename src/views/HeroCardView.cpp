@@ -34,13 +34,12 @@ QString percent(double level) {
 
 HeroCardView::HeroCardView(ViewContext& context, QWidget* parent) : QWidget(parent), context_(context) {}
 
-bool HeroCardView::setCard(const std::optional<HeroCard>& card,
+void HeroCardView::setCard(const std::optional<HeroCard>& card,
                            const std::optional<MenuContent::Empty>& empty) {
-    const int oldHeight = heightFor(width());
     const Duration now = context_.loop.now();
     const bool isFirst = !card_;
     if (card_ == card && empty_ == empty && !isFirst)
-        return false;
+        return;
     if (card) {
         const bool isStill = isFirst || context_.reducesMotion;
         oldTone_ = isStill ? toQColor(color(card->tone)) : tone();
@@ -66,7 +65,6 @@ bool HeroCardView::setCard(const std::optional<HeroCard>& card,
     layOutNotes();
     update();
     context_.wake();
-    return heightFor(width()) != oldHeight;
 }
 
 void HeroCardView::showNotes(const std::vector<HeroCard::Note>& notes, bool isFirst) {

@@ -21,8 +21,8 @@ class HeroCardView final : public QWidget, public Spoken {
 public:
     HeroCardView(ViewContext& context, QWidget* parent);
 
-    // Returns whether its height is another one now. Exactly one of the two is there.
-    bool setCard(const std::optional<HeroCard>& card, const std::optional<MenuContent::Empty>& empty);
+    // Exactly one of the two is there.
+    void setCard(const std::optional<HeroCard>& card, const std::optional<MenuContent::Empty>& empty);
     int heightFor(int width) const;
     // Brings what moves to this instant; returns whether something still moves.
     bool advance(Duration now);

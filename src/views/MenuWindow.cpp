@@ -136,17 +136,20 @@ void MenuWindow::setRoom(QSize room) {
 int MenuWindow::layOutTiles(int top, int inner) {
     const auto count = static_cast<int>(tiles_.size());
     const int columns = (inner + tileGap) / count - tileGap >= leastTileWidth ? count : 2;
+    const int narrowest = (inner + tileGap) / columns - tileGap;
+    int height = 0;
+    for (const auto& tile : tiles_)
+        height = std::max(height, tile->heightFor(narrowest));
     for (int i = 0; i < count; ++i) {
         const int column = i % columns;
         if (i > 0 && column == 0)
-            top += TileView::tileHeight + tileGap;
+            top += height + tileGap;
         // Whole points, and the last one ends at the edge.
         const int left = column * (inner + tileGap) / columns;
         const int right = (column + 1) * (inner + tileGap) / columns - tileGap;
-        tiles_[static_cast<std::size_t>(i)]->setGeometry(margin + left, top, right - left,
-                                                         TileView::tileHeight);
+        tiles_[static_cast<std::size_t>(i)]->setGeometry(margin + left, top, right - left, height);
     }
-    return top + TileView::tileHeight;
+    return top + height;
 }
 
 // Puts everything above the footer in its place; returns its height.
@@ -173,10 +176,11 @@ void MenuWindow::layOut() {
     const QSize before = size();
     resize(std::min(windowWidth, room_.width()), height());
     const int footerBlock = footerGap + FooterView::footerHeight + margin;
-    const int full = devices_.fullHeight();
+    const int inner = width() - 2 * margin;
+    const int full = devices_.heightFor(inner);
     const int above = layOutBody(full) - full;
     const int limit = static_cast<int>(room_.height() * shareOfScreen);
-    int list = std::clamp(limit - above - footerBlock, devices_.leastHeight(), full);
+    int list = std::clamp(limit - above - footerBlock, devices_.leastHeight(inner), full);
     // Too low for even a few rows: then there is one thing that scrolls, not two in one another.
     if (above + list + footerBlock > room_.height())
         list = full;

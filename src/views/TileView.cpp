@@ -53,13 +53,33 @@ void TileView::resizeEvent(QResizeEvent*) {
     updateTip();
 }
 
+// Two at most: what is left over stands in the second.
+QStringList TileView::captionLines(int width) const {
+    const QString caption = toQString(tile_.caption);
+    const double room = width - padding - rightPadding;
+    const QFont font = typeface(captionSize, QFont::Normal);
+    qsizetype end = caption.size();
+    while (end > 0 && isTooLong(caption.left(end), font, room))
+        end = caption.lastIndexOf(QLatin1Char(' '), end - 1);
+    if (end <= 0 || end == caption.size())
+        return {caption};
+    return {caption.left(end), caption.mid(end + 1)};
+}
+
+int TileView::heightFor(int width) const {
+    return captionLines(width).size() > 1 ? 88 : 76;
+}
+
 // Whoever points at a text that is shortened gets the whole of it.
 void TileView::updateTip() {
     const double room = width() - padding - rightPadding;
     const QString value = toQString(tile_.value);
-    const QString caption = toQString(tile_.caption);
+    const QStringList caption = captionLines(width());
     const bool isShortened = isTooLong(value, fitted(value, room), room) ||
-                             isTooLong(caption, typeface(captionSize, QFont::Normal), room) ||
+                             std::any_of(caption.begin(), caption.end(),
+                                         [room](const QString& line) {
+                                             return isTooLong(line, typeface(captionSize, QFont::Normal), room);
+                                         }) ||
                              isTooLong(toQString(tile_.label), typeface(captionSize, QFont::Medium), room - 19);
     setToolTip(isShortened ? accessibleName() : QString());
 }
@@ -77,8 +97,13 @@ void TileView::paintEvent(QPaintEvent*) {
     const QString value = toQString(tile_.value);
     paintText(painter, QRectF(padding, 32, room, 20), Qt::AlignLeft | Qt::AlignVCenter, value,
               fitted(value, room), surface.ink);
-    paintText(painter, QRectF(padding, 51, room, 16), Qt::AlignLeft | Qt::AlignVCenter,
-              toQString(tile_.caption), typeface(captionSize, QFont::Normal), surface.tertiary);
+    double top = 51;
+    const QStringList lines = captionLines(width());
+    for (const QString& line : lines) {
+        paintText(painter, QRectF(padding, top, room, 16), Qt::AlignLeft | Qt::AlignVCenter, line,
+                  typeface(captionSize, QFont::Normal), surface.tertiary);
+        top += 14;
+    }
 }
 
 AttentionView::AttentionView(ViewContext& context, QWidget* parent) : QWidget(parent), context_(context) {}

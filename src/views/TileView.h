@@ -5,17 +5,17 @@
 #include "views/Spoken.h"
 #include "views/ViewContext.h"
 
+#include <QStringList>
 #include <QWidget>
 
 namespace kivo {
 
-// One tile of the battery's health: 76 high.
+// One tile of the battery's health. A caption that is too long for a line takes a second one.
 class TileView final : public QWidget, public Spoken {
 public:
-    static constexpr int tileHeight = 76;
-
     TileView(ViewContext& context, QWidget* parent);
     void setTile(const HealthTile& tile);
+    int heightFor(int width) const;
     QAccessible::Role role() const override { return QAccessible::StaticText; }
 
 protected:
@@ -23,6 +23,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    QStringList captionLines(int width) const;
     void updateTip();
 
     ViewContext& context_;

@@ -4,7 +4,7 @@
 #include "core/SettingsStore.h"
 #include "support/Text.h"
 #include "views/Convert.h"
-#include "views/TrayHost.h"
+#include "views/DisplaySelection.h"
 #include "views/TrayImage.h"
 
 #include <QCursor>
@@ -12,6 +12,7 @@
 #include <QGuiApplication>
 #include <QPalette>
 #include <QPointer>
+#include <QScreen>
 
 #include <array>
 #include <utility>
@@ -23,19 +24,41 @@ namespace {
 // The sizes that trays ask for, up to twice the usual ones.
 constexpr std::array iconSides{16, 22, 24, 32, 44, 48, 64};
 
-// Seconds between looks for a tray at the start of a session; then Qt waits for one by itself.
+// Seconds between looks for a tray of the older kind; then Qt waits for one by itself.
 constexpr std::array looks{0.3, 0.7, 1.0, 2.0, 4.0, 8.0, 16.0};
 
-// A click comes from where the pointer is.
-QRect aroundPointer() {
-    constexpr int side = 24;
-    return {QCursor::pos() - QPoint(side / 2, side / 2), QSize(side, side)};
+constexpr int clickSide = 24; // of an icon around a click
+
+QRect around(QPoint point) {
+    return {point - QPoint(clickSide / 2, clickSide / 2), QSize(clickSide, clickSide)};
+}
+
+// Trays speak of the display's own pixels. Screens keep their places there and are scaled about these.
+QRect around(std::optional<QPoint> pixels) {
+    if (!pixels)
+        return around(QCursor::pos());
+    const auto screens = QGuiApplication::screens();
+    for (const QScreen* screen : screens) {
+        const QPoint corner = screen->geometry().topLeft();
+        const double scale = screen->devicePixelRatio();
+        if (QRect(corner, screen->size() * scale).contains(*pixels))
+            return around(corner + (QPointF(*pixels - corner) / scale).toPoint());
+    }
+    return around(*pixels);
 }
 
 QString toolTip(const std::optional<BatterySnapshot>& snapshot) {
     if (!snapshot)
         return QStringLiteral("Kivo");
     return toQString(localized("%lld%", {snapshot->level}) + " · " + statusText(*snapshot));
+}
+
+// For those who cannot see the icon.
+QString title(const std::optional<BatterySnapshot>& snapshot) {
+    if (!snapshot)
+        return QStringLiteral("Kivo");
+    return QStringLiteral("Kivo: ") +
+           toQString(localized("Battery %lld percent", {snapshot->level}) + ", " + statusText(*snapshot));
 }
 
 } // namespace
@@ -54,58 +77,92 @@ QColor panelInk() {
 
 TrayIcon::TrayIcon(MainLoop& loop, Observable<std::optional<BatterySnapshot>>& snapshot,
                    SettingsStore& settings)
-    : loop_(loop), snapshot_(snapshot), settings_(settings) {
+    : loop_(loop), snapshot_(snapshot), settings_(settings), item_(QDBusConnection::sessionBus()) {
     qGuiApp->installEventFilter(this);
     snapshotChange_ = snapshot_.onChange([this] { refreshSoon(); });
     settingsChange_ = settings_.onChange([this] { refreshSoon(); });
+    item_.setMenu(entries());
+    item_.onActivate = [this](std::optional<QPoint> pixels) {
+        lastPlace_ = around(pixels);
+        if (onClick)
+            onClick(lastPlace_);
+    };
+    item_.onContextMenu = [this](std::optional<QPoint> pixels) { showMenu(around(pixels).center()); };
+    item_.onWatcherChange = [this] { lookForTray(0); };
+    refresh();
     lookForTray(0);
 }
 
 TrayIcon::~TrayIcon() = default;
 
 // Qt decides once and for all, at the first icon, by which way trays are reached; asked too early it takes the
-// old one for the rest of the process.
+// wrong one for the rest of the process. A panel that restarts is away for a moment only.
 void TrayIcon::lookForTray(int round) {
+    nextLook_.cancel();
+    if (item_.hasWatcher()) {
+        icon_.reset();
+        return;
+    }
     const auto index = static_cast<std::size_t>(round);
-    if (hasTrayHost() || index >= looks.size()) {
-        make();
+    if (index >= looks.size() || (round > 0 && isSelectionOwned("_NET_SYSTEM_TRAY_S0"))) {
+        makeIcon();
         return;
     }
     nextLook_ = loop_.after(seconds(looks[index]), [this, round] { lookForTray(round + 1); });
 }
 
-void TrayIcon::make() {
-    makeMenu();
+void TrayIcon::makeIcon() {
+    if (icon_)
+        return;
     icon_ = std::make_unique<QSystemTrayIcon>();
-    icon_->setContextMenu(menu_.get());
+    icon_->setContextMenu(&menu());
     connect(icon_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
         if (reason != QSystemTrayIcon::Context && onClick)
-            onClick(iconPlace().value_or(aroundPointer()));
+            onClick(iconPlace().value_or(around(QCursor::pos())));
     });
-    refresh();
+    setPictures();
     icon_->show();
 }
 
-void TrayIcon::makeMenu() {
-    menu_ = std::make_unique<QMenu>();
-    menu_->addAction(toQString(localized("Open Kivo")), this, [this] {
+std::vector<NotifierMenu::Entry> TrayIcon::entries() {
+    const auto open = [this] {
         if (onOpen)
             onOpen(iconPlace());
-    });
-    menu_->addAction(toQString(localized("Settings…")), this, [this] {
+    };
+    const auto settings = [this] {
         if (onSettings)
             onSettings();
-    });
-    menu_->addSeparator();
-    menu_->addAction(toQString(localized("Quit Kivo")), this, [this] {
+    };
+    const auto quit = [this] {
         if (onQuit)
             onQuit();
-    });
+    };
+    return {{toQString(localized("Open Kivo")), open},
+            {toQString(localized("Settings…")), settings},
+            {{}, {}},
+            {toQString(localized("Quit Kivo")), quit}};
+}
+
+QMenu& TrayIcon::menu() {
+    if (menu_)
+        return *menu_;
+    menu_ = std::make_unique<QMenu>();
+    for (const auto& entry : entries()) {
+        if (entry.text.isEmpty())
+            menu_->addSeparator();
+        else
+            menu_->addAction(entry.text, this, entry.act);
+    }
+    return *menu_;
+}
+
+void TrayIcon::showMenu(std::optional<QPoint> place) {
+    menu().popup(place.value_or(QCursor::pos()));
 }
 
 std::optional<QRect> TrayIcon::iconPlace() const {
     const QRect place = icon_ ? icon_->geometry() : QRect();
-    return place.isEmpty() ? std::nullopt : std::optional(place);
+    return place.isEmpty() ? lastPlace_ : std::optional(place);
 }
 
 bool TrayIcon::eventFilter(QObject* watched, QEvent* event) {
@@ -129,25 +186,32 @@ void TrayIcon::refreshSoon() {
 }
 
 void TrayIcon::refresh() {
-    if (!icon_)
-        return;
     const auto& snapshot = snapshot_.get();
     const QString tip = toolTip(snapshot);
-    if (tip != shownTip_) {
-        shownTip_ = tip;
+    item_.setTexts(title(snapshot), tip);
+    if (icon_)
         icon_->setToolTip(tip);
-    }
-    const MenuBarLabel label = menuBarLabel(snapshot, settings_.value().menuBarStyle);
-    const QColor ink = panelInk();
-    if (shown_ == label && shownInk_ == ink)
+    const Look look{menuBarLabel(snapshot, settings_.value().menuBarStyle), panelInk()};
+    if (shown_ == look)
         return;
-    shown_ = label;
-    shownInk_ = ink;
-    QIcon icon;
+    shown_ = look;
+    setPictures();
+}
+
+// The picture goes to whoever shows it.
+void TrayIcon::setPictures() {
+    std::vector<QImage> pictures;
     for (int side : iconSides)
-        icon.addPixmap(QPixmap::fromImage(paintTrayImage(label, side, ink, symbols_)));
+        pictures.push_back(paintTrayImage(shown_->label, side, shown_->ink, symbols_));
     symbols_.clear();
-    icon_->setIcon(icon);
+    if (icon_) {
+        QIcon icon;
+        for (const QImage& picture : pictures)
+            icon.addPixmap(QPixmap::fromImage(picture));
+        icon_->setIcon(icon);
+        icon_->setToolTip(toolTip(snapshot_.get()));
+    }
+    item_.setIcon(std::move(pictures));
 }
 
 } // namespace kivo

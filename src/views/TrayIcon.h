@@ -5,6 +5,7 @@
 #include "support/MainLoop.h"
 #include "support/Observable.h"
 #include "ui/MenuBarLabel.h"
+#include "views/NotifierItem.h"
 #include "views/SymbolPainter.h"
 
 #include <QMenu>
@@ -15,13 +16,16 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace kivo {
 
 class SettingsStore;
 
 // Kivo in the desktop's tray: the menu bar's label as an icon, the battery in words as its tool tip, a menu.
-// A tray may come long after Kivo (a login starts everything at once): the icon is made when there is one.
+// A tray may come long after Kivo (a login starts everything at once), and go and come again with its panel.
+// Where status notifier items are shown the icon is one; where only the older kind of tray is, it is a window
+// in there.
 class TrayIcon final : public QObject {
 public:
     TrayIcon(MainLoop& loop, Observable<std::optional<BatterySnapshot>>& snapshot, SettingsStore& settings);
@@ -34,6 +38,7 @@ public:
     std::function<void()> onSettings;
     std::function<void()> onQuit;
 
+    // Where the icon stands, or where it was clicked last; absent when neither is known.
     std::optional<QRect> iconPlace() const;
 
 protected:
@@ -41,9 +46,18 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    struct Look {
+        MenuBarLabel label;
+        QColor ink;
+        bool operator==(const Look&) const = default;
+    };
+
     void lookForTray(int round);
-    void make();
-    void makeMenu();
+    void makeIcon();
+    QMenu& menu();
+    void showMenu(std::optional<QPoint> place);
+    std::vector<NotifierMenu::Entry> entries();
+    void setPictures();
     void refreshSoon();
     void refresh();
 
@@ -51,11 +65,11 @@ private:
     Observable<std::optional<BatterySnapshot>>& snapshot_;
     SettingsStore& settings_;
     SymbolPainter symbols_;
-    std::unique_ptr<QMenu> menu_;
-    std::unique_ptr<QSystemTrayIcon> icon_;
-    std::optional<MenuBarLabel> shown_;
-    QColor shownInk_;
-    QString shownTip_;
+    NotifierItem item_;
+    std::unique_ptr<QMenu> menu_;           // where trays show none
+    std::unique_ptr<QSystemTrayIcon> icon_; // in a tray of the older kind
+    std::optional<QRect> lastPlace_;
+    std::optional<Look> shown_;
     Subscription snapshotChange_;
     Subscription settingsChange_;
     Subscription nextLook_;
