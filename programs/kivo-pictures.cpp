@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // kivo-pictures FOLDER: paints every view into PNG files, for people to look at.
 #include "pictures/Menu.h"
+#include "pictures/Updates.h"
 #include "ui/MenuBarLabel.h"
 #include "views/Convert.h"
 #include "views/IslandFilm.h"
@@ -366,6 +367,7 @@ int main(int argc, char** argv) {
     paintFilms(folder);
     paintTray(folder);
     paintMenus(folder);
+    paintUpdates(folder);
     paintSymbols(folder);
     return 0;
 }

@@ -10,6 +10,7 @@
 #include "views/QtOverlayPanel.h"
 #include "views/TrayIcon.h"
 #include "views/TrayMenu.h"
+#include "views/UpdatePrompt.h"
 
 #include <QApplication>
 #include <QSocketNotifier>
@@ -76,7 +77,7 @@ void testAlert(AppCoordinator& coordinator) {
 }
 
 int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
-    LinuxMachine machine;
+    LinuxMachine machine({KIVO_UPDATE_FEED, KIVO_UPDATE_KEY, KIVO_VERSION});
     PaintedWindows windows;
     QtOverlayPanel panel(machine.loop(), windows);
     NotifiedIslands notified(machine.notifications());
@@ -104,6 +105,10 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
         else if (action.isEmpty())
             menuWindow.open(tray.iconPlace());
     };
+    UpdatePrompt updates(machine.loop());
+    updates.onOpenPage = [&machine](const std::string& page) { machine.workspace().open(page); };
+    updates.onSkip = [&machine](const std::string& version) { machine.updates().skip(version); };
+    machine.updates().onFinding = [&updates](const UpdateFinding& finding) { updates.show(finding); };
     machine.whenSettled([&] {
         delegate.applicationDidFinishLaunching();
         if (showsTestAlert)
@@ -115,6 +120,8 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     const int status = app.exec();
     delegate.applicationWillTerminate();
     instance.onAction = nullptr;
+    machine.updates().onFinding = nullptr;
+    updates.close();
     menu.close();
     panel.showNothing();
     notified.showNothing();

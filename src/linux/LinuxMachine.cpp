@@ -15,9 +15,9 @@
 #include "linux/QtPhoneWatcher.h"
 #include "linux/QtScreens.h"
 #include "linux/base/AbsentDesktop.h"
-#include "linux/base/AbsentUpdateService.h"
 #include "linux/base/AutostartLoginService.h"
 #include "linux/base/FileUserDefaults.h"
+#include "linux/base/HelperProgram.h"
 #include "linux/base/JournalLog.h"
 #include "linux/base/LinuxHaptics.h"
 #include "linux/base/LinuxProcesses.h"
@@ -37,10 +37,20 @@ std::unique_ptr<LoginService> makeLogin(UserDefaults& defaults) {
     return std::make_unique<AutostartLoginService>(AutostartLoginService::Places::find());
 }
 
+// What comes in a sandbox is updated by whoever brought it.
+LinuxUpdateService::Source updateSource(const LinuxMachine::Packaging& packaging) {
+    if (packaging.updateFeed.empty() || PortalLoginService::isNeeded() || environmentVariable("SNAP"))
+        return {};
+    return {packaging.updateFeed, packaging.updateKey, packaging.version, helperProgram("kivo-updates")};
+}
+
 } // namespace
 
 // In the order of their dependencies: each may use those above it.
 struct LinuxMachine::Services {
+    explicit Services(const Packaging& packaging)
+        : updates(loop, processRunner, standardDefaults, log, updateSource(packaging)) {}
+
     JournalLog log;
     // Its readings run in the loop's background, and end with it.
     LinuxMobileDevices mobileDevices{log, LinuxMobileDevices::usualOptions()};
@@ -72,7 +82,7 @@ struct LinuxMachine::Services {
     DBusWidgetCenter widgets{QDBusConnection::sessionBus(), writer};
     LinuxWorkspace workspace{QDBusConnection::sessionBus(), QDBusConnection::systemBus(), log};
     std::unique_ptr<LoginService> login = makeLogin(standardDefaults);
-    AbsentUpdateService updates;
+    LinuxUpdateService updates;
 
     AbsentOverlayPanel absentPanel;
     AbsentWindows absentWindows;
@@ -80,7 +90,7 @@ struct LinuxMachine::Services {
     Windows* windows = &absentWindows;
 };
 
-LinuxMachine::LinuxMachine() : services_(std::make_unique<Services>()) {}
+LinuxMachine::LinuxMachine(const Packaging& packaging) : services_(std::make_unique<Services>(packaging)) {}
 LinuxMachine::~LinuxMachine() = default;
 
 void LinuxMachine::provide(OverlayPanel& overlayPanel) {
@@ -163,7 +173,7 @@ Windows& LinuxMachine::windows() {
 LoginService& LinuxMachine::login() {
     return *services_->login;
 }
-UpdateService& LinuxMachine::updates() {
+LinuxUpdateService& LinuxMachine::updates() {
     return services_->updates;
 }
 

@@ -1,17 +1,25 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/base/LinuxUpdateService.h"
 #include "platform/Machine.h"
 
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace kivo {
 
 // This computer. Needs a QGuiApplication; nothing runs before Qt's event loop does.
 class LinuxMachine final : public Machine {
 public:
-    LinuxMachine();
+    // Where this installation learns of new versions, as its packages were built; empty: nowhere.
+    struct Packaging {
+        std::string updateFeed;
+        std::string updateKey;
+        std::string version;
+    };
+    explicit LinuxMachine(const Packaging& packaging = {});
     ~LinuxMachine() override;
 
     // What is shown on a screen comes from above: whoever builds the views hands it in before anything asks
@@ -52,7 +60,7 @@ public:
     Workspace& workspace() override;
     Windows& windows() override;
     LoginService& login() override;
-    UpdateService& updates() override;
+    LinuxUpdateService& updates() override;
 
 private:
     struct Services;

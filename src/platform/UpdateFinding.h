@@ -21,6 +21,7 @@ struct UpdateFinding {
     };
 
     Kind kind = Kind::upToDate;
+    bool isAsked = false;          // its user is waiting for it
     std::string current;           // the version that runs
     std::vector<Release> releases; // newer than that, newest first; only when available
     std::string page;              // where the newest is to be had (https); only when available

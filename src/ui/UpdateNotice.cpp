@@ -13,13 +13,14 @@ constexpr std::size_t mostSections = 5;
 constexpr std::size_t mostLines = 12;
 
 UpdateNotice available(const UpdateFinding& finding) {
-    UpdateNotice notice{.symbol = "arrow.down.circle",
-                        .title = localized("A new version of Kivo is available"),
-                        .text = formatted(localized("Kivo %@ is out; you have %@."),
-                                          {finding.releases.front().version, finding.current}),
-                        .page = localized("Open Download Page"),
-                        .skip = localized("Skip This Version"),
-                        .close = localized("Later")};
+    UpdateNotice notice{
+        .symbol = "sparkles",
+        .tint = Color{61, 155, 255},
+        .title = localized("A new version of Kivo is available"),
+        .text = localized("Kivo %@ is out; you have %@.", {finding.releases.front().version, finding.current}),
+        .page = localized("Open Download Page"),
+        .skip = localized("Skip This Version"),
+        .close = localized("Later")};
     for (const auto& release : finding.releases) {
         if (release.notes.empty() || notice.sections.size() == mostSections)
             continue;
@@ -41,9 +42,10 @@ UpdateNotice updateNotice(const UpdateFinding& finding) {
         notice = available(finding);
     } else {
         const bool isCurrent = finding.kind == Kind::upToDate;
-        notice.symbol = isCurrent ? "checkmark.circle.fill" : "exclamationmark.triangle.fill";
+        notice.symbol = isCurrent ? "checkmark.circle.fill" : "arrow.triangle.2.circlepath";
+        notice.tint = isCurrent ? color(LevelTone::normal) : amber;
         notice.title = isCurrent ? localized("Kivo is up to date") : localized("Couldn’t check for updates");
-        notice.text = isCurrent ? formatted(localized("You have the newest version, %@."), {finding.current})
+        notice.text = isCurrent ? localized("You have the newest version, %@.", {finding.current})
                       : finding.kind == Kind::unreachable
                           ? localized("Nobody answered. Try again when you are online.")
                           : localized("What came is damaged, or not from the makers of this Kivo. It was "

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/UpdateFinding.h"
+#include "ui/Ink.h"
 
 #include <optional>
 #include <string>
@@ -19,6 +20,7 @@ struct UpdateNotice {
 
     std::string windowTitle;
     std::string symbol;
+    Ink tint;
     std::string title;
     std::string text;
     std::vector<Section> sections; // what is new, newest first

@@ -83,16 +83,16 @@ void LinuxUpdateService::check(bool isManual) {
 }
 
 void LinuxUpdateService::finish(const std::optional<std::string>& output) {
-    const UpdateFinding finding = judge(output);
+    UpdateFinding finding = judge(output);
     isChecking_ = false;
     if (finding.kind != Kind::unreachable)
         planNext(day);
     schedule();
-    const bool isManual = std::exchange(isManual_, false);
+    finding.isAsked = std::exchange(isManual_, false);
     const auto skipped = defaults_.value(skippedKey);
     const bool isNew = finding.kind == Kind::available &&
                        !(skipped && *skipped == PropertyValue(finding.releases.front().version));
-    const auto tell = isManual || isNew ? onFinding : nullptr;
+    const auto tell = finding.isAsked || isNew ? onFinding : nullptr;
     listeners_.notify();
     if (tell)
         tell(finding);

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "linux/phones/HelperProcess.h"
 
+#include "linux/base/HelperProgram.h"
+
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <filesystem>
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -83,15 +84,7 @@ HelperProcess::~HelperProcess() {
 }
 
 std::string HelperProcess::findProgram() {
-    std::error_code error;
-    const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-    if (error)
-        return {};
-    for (const auto& place : {folder / name, folder.parent_path() / "libexec/kivo" / name}) {
-        if (access(place.c_str(), X_OK) == 0)
-            return place;
-    }
-    return {};
+    return helperProgram(name);
 }
 
 } // namespace kivo
