@@ -32,10 +32,8 @@ MobileDeviceState readDevice(const PropertyValue& value, const std::string& what
             device.values.emplace(domain, reading::object(values, record.path("values") + "." + domain));
     }
     device.diagnostics = readDiagnostics(record);
-    device.readSeconds = record.optionalNumber("readSeconds").value_or(0);
+    device.readSeconds = record.secondsOrNone("readSeconds");
     record.finish();
-    if (device.readSeconds < 0)
-        throw DecodingError(record.path("readSeconds") + " must not be negative");
     return device;
 }
 

@@ -30,10 +30,8 @@ std::optional<SystemProfilerState> readSystemProfiler(const PropertyValue& value
     if (value.isNull())
         return std::nullopt;
     RecordReader record(value, "systemProfiler");
-    SystemProfilerState state{record.requireString("output"), record.optionalNumber("seconds").value_or(0)};
+    SystemProfilerState state{record.requireString("output"), record.secondsOrNone("seconds")};
     record.finish();
-    if (state.seconds < 0)
-        throw DecodingError("systemProfiler.seconds must not be negative");
     return state;
 }
 

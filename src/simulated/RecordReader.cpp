@@ -4,6 +4,13 @@
 #include <algorithm>
 
 namespace kivo {
+namespace {
+
+// In seconds; a clock of nanoseconds cannot hold much more.
+constexpr double longestTime = 9e9;
+
+} // namespace
+
 namespace reading {
 
 void mismatch(std::string_view what, std::string_view expected, const PropertyValue& value) {
@@ -118,6 +125,15 @@ std::optional<std::int32_t> RecordReader::optionalInt32(std::string_view key) {
 std::optional<double> RecordReader::optionalNumber(std::string_view key) {
     const auto* value = find(key);
     return value && !value->isNull() ? std::optional(reading::number(*value, path(key))) : std::nullopt;
+}
+
+double RecordReader::secondsOrNone(std::string_view key) {
+    const double seconds = optionalNumber(key).value_or(0);
+    if (seconds < 0)
+        throw DecodingError(path(key) + " must not be negative");
+    if (seconds > longestTime)
+        throw DecodingError(path(key) + " is too long");
+    return seconds;
 }
 
 std::optional<std::string> RecordReader::optionalString(std::string_view key) {

@@ -31,6 +31,8 @@ public:
     std::optional<std::int64_t> optionalInteger(std::string_view key);
     std::optional<std::int32_t> optionalInt32(std::string_view key);
     std::optional<double> optionalNumber(std::string_view key);
+    // How long something takes: at least 0 and within three hundred years; 0 when it is missing.
+    double secondsOrNone(std::string_view key);
     std::optional<std::string> optionalString(std::string_view key);
 
     // Throws when the record has a member that none of the calls above asked for.

@@ -33,6 +33,7 @@ TEST(MachineKeys, RefuseWhatIsNotTheirType) {
         {R"({"lowPowerMode": 1})", "lowPowerMode"},
         {R"({"systemProfiler": {"seconds": 1}})", "systemProfiler.output"},
         {R"({"systemProfiler": {"output": "", "seconds": -1}})", "systemProfiler.seconds"},
+        {R"({"systemProfiler": {"output": "", "seconds": 1e10}})", "systemProfiler.seconds is too long"},
         {R"({"time": "yesterday"})", "time"},
         {R"({"time": 0})", "time"},
         {R"({"timeZone": "Europe/Nowhere"})", "Europe/Nowhere"},
