@@ -2,6 +2,7 @@
 // kivo-pictures FOLDER: paints every view into PNG files, for people to look at.
 #include "pictures/Menu.h"
 #include "pictures/Updates.h"
+#include "pictures/Windows.h"
 #include "ui/MenuBarLabel.h"
 #include "views/Convert.h"
 #include "views/IslandFilm.h"
@@ -368,6 +369,7 @@ int main(int argc, char** argv) {
     paintTray(folder);
     paintMenus(folder);
     paintUpdates(folder);
+    paintWindows(folder);
     paintSymbols(folder);
     return 0;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // kivo: the application on a real desktop.
 #include "app/AppDelegate.h"
+#include "linux/ApplicationIcons.h"
 #include "linux/LinuxMachine.h"
 #include "linux/SingleInstance.h"
 #include "linux/base/LinuxTexts.h"
@@ -8,6 +9,7 @@
 #include "views/NotifiedIslands.h"
 #include "views/PaintedWindow.h"
 #include "views/QtOverlayPanel.h"
+#include "views/SettingsWindow.h"
 #include "views/TrayIcon.h"
 #include "views/TrayMenu.h"
 #include "views/UpdatePrompt.h"
@@ -32,11 +34,14 @@ constexpr const char* usage =
     "Kivo, a companion for the batteries around your computer\n"
     "\n"
     "usage: kivo [option]\n"
+    "  --settings     open the settings, of the running Kivo if there is one\n"
     "  --test-alert   show what an alert looks like, in the running Kivo if there is one\n"
     "  --version      print the version and end\n"
     "  --help         print this and end\n";
 
+// What a second start asks the running Kivo for.
 const QString testAlertAction = QStringLiteral("test-alert");
+const QString settingsAction = QStringLiteral("settings");
 
 int terminationEvent = -1;
 

@@ -4,14 +4,10 @@
 #include "scenario/ScenarioRun.h"
 #include "scenario/StepTable.h"
 #include "support/Json.h"
-
-#include <algorithm>
-#include <array>
+#include "ui/SettingsTexts.h"
 
 namespace kivo {
 namespace {
-
-constexpr std::array<std::string_view, 4> settingsTabs = {"alerts", "energy", "menuBar", "general"};
 
 StepTable::Action readSettings(const PropertyValue& value) {
     reading::object(value, "settings");
@@ -38,7 +34,7 @@ StepTable::Action readTest(const PropertyValue& value) {
 
 StepTable::Action readSettingsTab(const PropertyValue& value) {
     const std::string& tab = reading::string(value, "settingsTab");
-    if (std::find(settingsTabs.begin(), settingsTabs.end(), tab) == settingsTabs.end())
+    if (!settingsTabs.value(tab))
         throw DecodingError("settingsTab cannot be \"" + tab + "\"");
     return [tab](ScenarioRun& run) {
         if (run.application())

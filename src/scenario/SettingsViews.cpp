@@ -101,7 +101,8 @@ void addSettingsViews(ViewTable& views) {
     views.addPlain("settings.alerts",
                    [](ScenarioRun& run) { return alerts(run.application()->alertsPane.content()); });
     views.addPlain("settings.menuBar", [](ScenarioRun& run) {
-        return menuBar(menuBarPaneContent(run.coordinator()->settings().value()));
+        return menuBar(menuBarPaneContent(run.coordinator()->settings().value(),
+                                          run.coordinator()->monitor().snapshot().get()));
     });
     views.addPlain("settings.general",
                    [](ScenarioRun& run) { return general(generalPaneContent(*run.coordinator())); });

@@ -10,18 +10,26 @@ namespace {
 // The level at or below which the battery counts as low for its owner.
 constexpr std::int64_t lowLevel = 20;
 
+// Of the previews on a computer without a battery.
+constexpr std::int64_t sampleLevel = 64;
+
 GeneralPaneContent::Permission permission(bool isGranted, std::string_view button) {
     return {isGranted, isGranted ? std::nullopt : std::optional(localized(button))};
 }
 
 } // namespace
 
-MenuBarPaneContent menuBarPaneContent(const AlertSettings& settings) {
+MenuBarPaneContent menuBarPaneContent(const AlertSettings& settings,
+                                      const std::optional<BatterySnapshot>& snapshot) {
+    const BatterySnapshot shown = snapshot.value_or(BatterySnapshot{.level = sampleLevel});
+    const auto style = [&](MenuBarStyle value, std::string_view title) {
+        return MenuBarPaneContent::Style{value, localized(title), menuBarLabel(shown, value)};
+    };
     return {
         .title = localized("Icon style"),
-        .styles = {{MenuBarStyle::compact, localized("Compact (iPhone style)")},
-                   {MenuBarStyle::glyphAndPercent, localized("Icon and percentage")},
-                   {MenuBarStyle::percentOnly, localized("Percentage only")}},
+        .styles = {style(MenuBarStyle::compact, "Compact (iPhone style)"),
+                   style(MenuBarStyle::glyphAndPercent, "Icon and percentage"),
+                   style(MenuBarStyle::percentOnly, "Percentage only")},
         .selected = settings.menuBarStyle,
         .note = localized(
             "The icon only turns colorful when it matters, just like on iPhone: green while charging, "

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/AlertSettings.h"
+#include "ui/MenuBarLabel.h"
 
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@ struct MenuBarPaneContent {
     struct Style {
         MenuBarStyle style = MenuBarStyle::compact;
         std::string title;
+        MenuBarLabel preview; // of the computer's battery as it is, or of a sample without one
         bool operator==(const Style&) const = default;
     };
     std::string title;
@@ -67,7 +69,8 @@ struct HelpContent {
     bool operator==(const HelpContent&) const = default;
 };
 
-MenuBarPaneContent menuBarPaneContent(const AlertSettings& settings);
+MenuBarPaneContent menuBarPaneContent(const AlertSettings& settings,
+                                      const std::optional<BatterySnapshot>& snapshot);
 GeneralPaneContent generalPaneContent(AppCoordinator& coordinator);
 HelpContent helpContent();
 

@@ -39,7 +39,7 @@ std::vector<std::string> shownTexts() {
 
     const auto general = generalPaneContent(coordinator);
     texts.insert(texts.end(), {general.chargeLimitText, general.dismissesText, *general.accessibility.button,
-                               menuBarPaneContent({}).note});
+                               menuBarPaneContent({}, {}).note});
     for (const auto& topic : helpContent().topics) {
         texts.push_back(topic.title);
         texts.insert(texts.end(), topic.steps.begin(), topic.steps.end());

@@ -134,7 +134,7 @@ TEST_F(SettingsWindowTest, theGeneralTabShowsWhatIsStillToBeGranted) {
     EXPECT_EQ(content.accessibility.button, "Open System Settings…");
     EXPECT_TRUE(content.updates->canCheck);
     EXPECT_EQ(
-        menuBarPaneContent({}).note,
+        menuBarPaneContent({}, {}).note,
         "The icon only turns colorful when it matters, just like on iPhone: green while charging, red at 20% "
         "or less, and yellow in Low Power Mode.");
 }

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/Lifetime.h"
+#include "support/MainLoop.h"
+#include "ui/AlertsPane.h"
+#include "ui/EnergyPane.h"
+#include "ui/SettingsContent.h"
+#include "ui/SettingsTexts.h"
+
+#include <vector>
+
+namespace kivo {
+
+class AppCoordinator;
+class UserDefaults;
+class Windows;
+class Workspace;
+
+// The settings window as whoever draws it knows it: what its tabs show and what their controls do. Every change
+// is stored and takes effect at once. It lives as long as the window: which rule is expanded and what the
+// energy tab lists begin anew with each.
+class SettingsModel {
+public:
+    SettingsModel(MainLoop& loop, AppCoordinator& coordinator, UserDefaults& defaults, Workspace& workspace,
+                  Windows& windows);
+
+    // Events in
+    // The window has come to the front: what the user may have changed elsewhere is read anew.
+    void refresh();
+    void select(SettingsTab tab); // remembered
+    void setEnergyWindow(EnergyMonitor::Window window);
+    void setShowsApps(bool showsApps);
+    void setMenuBarStyle(MenuBarStyle style);
+    void setShowsOverlay(bool isOn);
+    void setPlaysSound(bool isOn);
+    void setDismissesSystemAlerts(bool isOn);
+    void setOpensAtLogin(bool isOn);
+    void setUpdatesAutomatically(bool isOn);
+    void checkForUpdates();
+    void requestNotifications();
+    void requestAccessibility();
+    void openBatterySettings();
+    void showIntroduction();
+
+    // State out
+    SettingsTab tab() const; // the first where none is remembered
+    AlertsPane& alerts() { return alerts_; }
+    EnergyMonitor::Window energyWindow() const { return energyWindow_; }
+    bool showsApps() const { return showsApps_; }
+    EnergyPaneContent energy() const;
+    MenuBarPaneContent menuBar() const;
+    GeneralPaneContent general() const;
+
+    // Callbacks out
+    // Something that a tab shows has changed, whoever changed it: once for all that happens in one turn of the
+    // loop.
+    std::function<void()> onChange;
+
+private:
+    void follow();
+    void changeSoon();
+    template <typename Change>
+    void change(Change change);
+
+    MainLoop& loop_;
+    AppCoordinator& coordinator_;
+    UserDefaults& defaults_;
+    Workspace& workspace_;
+    Windows& windows_;
+    AlertsPane alerts_;
+    EnergyMonitor::Window energyWindow_ = EnergyMonitor::Window::day;
+    bool showsApps_ = true;
+    bool isChangeDue_ = false;
+    std::vector<Subscription> changes_;
+    Lifetime lifetime_;
+};
+
+} // namespace kivo

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "views/AppWindow.h"
+
+#include "views/Convert.h"
+#include "views/Surface.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QPalette>
+#include <QScreen>
+#include <QShortcut>
+
+namespace kivo {
+
+namespace {
+
+// Kivo's colours in the places where Qt's own parts and ours look for them.
+QPalette paletteOf(const Surface& surface) {
+    QPalette palette = QGuiApplication::palette();
+    palette.setColor(QPalette::Window, surface.window);
+    palette.setColor(QPalette::WindowText, surface.ink);
+    palette.setColor(QPalette::Base, surface.card);
+    palette.setColor(QPalette::AlternateBase, surface.card);
+    palette.setColor(QPalette::Button, surface.card);
+    palette.setColor(QPalette::ButtonText, surface.ink);
+    palette.setColor(QPalette::Text, surface.ink);
+    palette.setColor(QPalette::PlaceholderText, surface.secondary);
+    palette.setColor(QPalette::Mid, surface.tertiary);
+    palette.setColor(QPalette::LinkVisited, readable(toQColor(Color{255, 59, 48}), surface.card)); // errors
+    palette.setColor(QPalette::Highlight, surface.accent);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    return palette;
+}
+
+} // namespace
+
+AppWindow::AppWindow(MainLoop& loop, Workspace& workspace, const std::string& title, QSize wanted)
+    : kit_{loop, workspace} {
+    setWindowTitle(toQString(title));
+    takeColors();
+    QList<QKeySequence> closing = QKeySequence::keyBindings(QKeySequence::Close);
+    closing << QKeySequence(Qt::Key_Escape);
+    for (const QKeySequence& keys : closing)
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
+    const QSize room = screen()->availableSize() * 0.94;
+    setMinimumSize(QSize(400, 320).boundedTo(room));
+    resize(wanted.boundedTo(room));
+}
+
+AppWindow::~AppWindow() {
+    // Before what they are drawn with.
+    delete takeCentralWidget();
+}
+
+void AppWindow::takeColors() {
+    setPalette(paletteOf(surfaceFor(QGuiApplication::palette())));
+}
+
+void AppWindow::present() {
+    if (isMinimized())
+        showNormal();
+    show();
+    raise();
+    activateWindow();
+}
+
+bool AppWindow::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        takeColors();
+    else if (event->type() == QEvent::WindowActivate)
+        activated();
+    return QMainWindow::event(event);
+}
+
+void AppWindow::closeEvent(QCloseEvent* event) {
+    event->accept();
+    if (onClose)
+        onClose();
+}
+
+void AppWindows::open(std::string_view name) {
+    auto found = open_.find(name);
+    if (found == open_.end()) {
+        const auto maker = makers_.find(name);
+        if (maker == makers_.end())
+            return;
+        found = open_.emplace(name, maker->second()).first;
+        found->second->onClose = [this, name = std::string(name)] { close(name); };
+    }
+    found->second->present();
+}
+
+void AppWindows::close(std::string_view name) {
+    const auto found = open_.find(name);
+    if (found == open_.end())
+        return;
+    // It may be one of its own buttons that asks: it goes once that has returned.
+    leaving_.push_back(std::move(found->second));
+    open_.erase(found);
+    leaving_.back()->hide();
+    loop_.post(lifetime_.guard([this] {
+        leaving_.clear();
+        if (onGone)
+            onGone();
+    }));
+}
+
+} // namespace kivo
