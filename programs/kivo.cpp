@@ -15,8 +15,10 @@
 #include "views/UpdatePrompt.h"
 
 #include <QApplication>
+#include <QPixmapCache>
 #include <QSocketNotifier>
 
+#include <malloc.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -72,6 +74,22 @@ void chooseDisplay() {
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
+// Windows are seldom open: what they took goes back to the system.
+void releaseMemory() {
+    QPixmapCache::clear();
+    ::malloc_trim(0);
+}
+
+void addWindows(AppWindows& windows, LinuxMachine& machine, AppCoordinator& coordinator) {
+    windows.add("settings", [&] {
+        auto model = std::make_unique<SettingsModel>(machine.loop(), coordinator, machine.standardDefaults(),
+                                                     machine.workspace(), windows);
+        return std::make_unique<SettingsWindow>(machine.loop(), machine.workspace(), std::move(model),
+                                                applicationIcon);
+    });
+    windows.onGone = releaseMemory;
+}
+
 void testAlert(AppCoordinator& coordinator) {
     const auto& rules = defaultRules();
     const auto rule = std::find_if(rules.begin(), rules.end(), [](const AlertRule& candidate) {
@@ -81,7 +99,7 @@ void testAlert(AppCoordinator& coordinator) {
         coordinator.test(*rule);
 }
 
-int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
+int run(QApplication& app, SingleInstance& instance, const QString& firstAction) {
     LinuxMachine machine({KIVO_UPDATE_FEED, KIVO_UPDATE_KEY, KIVO_VERSION});
     PaintedWindows windows;
     QtOverlayPanel panel(machine.loop(), windows);
@@ -90,8 +108,11 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     const bool hasWindows = choice.way == OverlayWay::windows;
     Logger(machine.log(), "overlay").info(choice.reason);
     machine.provide(hasWindows ? static_cast<OverlayPanel&>(panel) : notified);
+    AppWindows appWindows(machine.loop());
+    machine.provide(appWindows);
     AppDelegate delegate(machine);
     AppCoordinator& coordinator = delegate.coordinator();
+    addWindows(appWindows, machine, coordinator);
     if (hasWindows)
         panel.show(coordinator.overlay().model(), machine.workspace());
     else
@@ -107,6 +128,8 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     instance.onAction = [&](const QString& action) {
         if (action == testAlertAction)
             testAlert(coordinator);
+        else if (action == settingsAction)
+            appWindows.open("settings");
         else if (action.isEmpty())
             menuWindow.open(tray.iconPlace());
     };
@@ -116,8 +139,8 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     machine.updates().onFinding = [&updates](const UpdateFinding& finding) { updates.show(finding); };
     machine.whenSettled([&] {
         delegate.applicationDidFinishLaunching();
-        if (showsTestAlert)
-            testAlert(coordinator);
+        if (!firstAction.isEmpty())
+            instance.onAction(firstAction);
     });
     QSocketNotifier termination(terminationEvent, QSocketNotifier::Read);
     QObject::connect(&termination, &QSocketNotifier::activated, &app, &QCoreApplication::quit);
@@ -128,6 +151,7 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
     machine.updates().onFinding = nullptr;
     updates.close();
     menu.close();
+    appWindows.closeAll();
     panel.showNothing();
     notified.showNothing();
     return status;
@@ -136,7 +160,7 @@ int run(QApplication& app, SingleInstance& instance, bool showsTestAlert) {
 } // namespace
 
 int main(int argc, char** argv) {
-    bool showsTestAlert = false;
+    QString action;
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument = argv[i];
         if (argument == "--version") {
@@ -147,11 +171,14 @@ int main(int argc, char** argv) {
             std::fputs(usage, stdout);
             return 0;
         }
-        if (argument != "--test-alert") {
+        if (argument == "--test-alert") {
+            action = testAlertAction;
+        } else if (argument == "--settings") {
+            action = settingsAction;
+        } else {
             std::fprintf(stderr, "kivo: unknown option %s\n%s", argv[i], usage);
             return 2;
         }
-        showsTestAlert = true;
     }
     installTextCatalogue(linuxTexts());
     catchTermination();
@@ -164,8 +191,8 @@ int main(int argc, char** argv) {
 
     SingleInstance instance(QDBusConnection::sessionBus());
     if (instance.isFirst())
-        return run(app, instance, showsTestAlert);
-    if (instance.ask(showsTestAlert ? testAlertAction : QString()))
+        return run(app, instance, action);
+    if (instance.ask(action))
         return 0;
     std::fputs("kivo: another Kivo is running but does not answer\n", stderr);
     return 1;

@@ -2,11 +2,13 @@
 #include "pictures/Windows.h"
 
 #include "app/AppDelegate.h"
+#include "linux/base/LinuxTexts.h"
 #include "simulated/SimulatedMachine.h"
 #include "support/Text.h"
 #include "views/SettingsWindow.h"
 
 #include <QApplication>
+#include <QLoggingCategory>
 #include <QPainter>
 #include <QPalette>
 
@@ -112,7 +114,10 @@ void paintSettings(const QDir& folder, const Shot& shot, bool isDark, double sca
 } // namespace
 
 void paintWindows(const QDir& folder) {
+    // The platform without a display says at each call what it cannot do.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
     const QPalette before = QApplication::palette();
+    installTextCatalogue(linuxTexts());
     const std::vector<Shot> shots{{"alerts", SettingsTab::alerts},
                                   {"alerts-open", SettingsTab::alerts, {680, 1400}, 0},
                                   {"alerts-narrow", SettingsTab::alerts, {400, 1500}, 0},
