@@ -253,7 +253,7 @@ Page::Page(QWidget* content, int wanted) : wanted_(wanted) {
 void Page::resizeEvent(QResizeEvent* event) {
     const int side = std::max((width() - wanted_) / 2, 16);
     // The bar stands in the margin, so that it does not push the column aside.
-    const int bar = verticalScrollBar()->isVisible() ? verticalScrollBar()->width() : 0;
+    const int bar = width() - viewport()->width();
     widget()->layout()->setContentsMargins(side, 20, std::max(side - bar, 6), 24);
     QScrollArea::resizeEvent(event);
 }
