@@ -5,13 +5,14 @@ import time
 
 import dbus
 
-from desktop import Desktop, Messages, wait_for
+from desktop import Desktop, Failure, Messages, wait_for
 from kivo import Kivo, KivoTest, rule, run, settings
 
 RULES = settings(rule('deviceBelow', notifies=True, threshold=20), rule('deviceConnected', notifies=True),
-                 showsOverlay=False, playsSound=False)
-POLL = 40  # seconds: the list is read every 30, and waits may be stretched by 5
-HEADSET = '11:22:33:44:55:66'
+                 playsSound=False)
+POLL = 45  # seconds: the list is read every 30, and waits may be stretched by 5
+HEADSET, EARBUDS, PHONE = '11:22:33:44:55:66', '11:22:33:44:55:77', '11:22:33:44:55:88'
+EARBUDS_CLASS, PHONE_CLASS = 0x240418, 0x7a020c
 
 
 class Bluetooth:
@@ -45,6 +46,8 @@ class DeviceTest(KivoTest):
     @classmethod
     def setUpClass(cls):
         cls.desktop = cls.enterClassContext(Desktop())
+        cls.bluetooth = Bluetooth(cls.desktop)
+        cls.messages = Messages(cls.desktop, 'DBUS_SESSION_BUS_ADDRESS', "interface='org.freedesktop.Notifications'")
 
     def listed(self):
         """{name: (category, level)} of the widgets' list, without the computer."""
@@ -55,29 +58,83 @@ class DeviceTest(KivoTest):
             return {}
         return {one['name']: (one['category'], one['level']) for one in devices if one['category'] != 'mac'}
 
-    def test_a_mouse_gets_low_and_a_headset_connects(self):
-        bluetooth = Bluetooth(self.desktop)
-        self.desktop.hardware('mouse', '42')
-        wait_for('the mouse in UPower', lambda: 'hidpp_battery_0' in self.desktop.call(
-            'DBUS_SYSTEM_BUS_ADDRESS', 'org.freedesktop.UPower', '/org/freedesktop/UPower',
-            'org.freedesktop.UPower.EnumerateDevices'))
-        messages = Messages(self.desktop, 'DBUS_SESSION_BUS_ADDRESS', "interface='org.freedesktop.Notifications'")
+    def await_list(self, expected, seconds=10):
+        try:
+            wait_for('the list', lambda: self.listed() == expected, seconds)
+        except Failure:
+            self.assertEqual(self.listed(), expected)
+
+    def upower(self, method='EnumerateDevices'):
+        return self.desktop.call('DBUS_SYSTEM_BUS_ADDRESS', 'org.freedesktop.UPower', '/org/freedesktop/UPower',
+                                 'org.freedesktop.UPower.' + method)
+
+    def published(self):
+        return self.desktop.log('kivo').count('Published')
+
+    def start(self):
+        self.desktop.env['KIVO_LOG'] = 'debug'
         kivo = Kivo(self.desktop, RULES)
         self.addCleanup(kivo.quit)
+        return kivo
 
-        # What is there at the start is listed at once and is not news.
-        wait_for('the mouse in the list', lambda: self.listed() == {'MX Master': ('mouse', 42)}, 4)
-        self.assertEqual(messages.notifications(), [])
+    def test_accessories_from_connecting_to_running_low(self):
+        hardware = self.desktop.hardware
+        hardware('mouse', '42')
+        hardware('keyboard', '63')
+        hardware('gamepad', '55')
+        hardware('coarse', 'Low')
+        # Asleep, and unable to say.
+        hardware('add', 'power_supply', 'asleep', {'type': 'Battery', 'scope': 'Device', 'present': '1',
+                                                   'model_name': 'Asleep', 'capacity': '0', 'status': 'Unknown'})
+        hardware('add', 'power_supply', 'unsure', {'type': 'Battery', 'scope': 'Device', 'present': '1',
+                                                   'model_name': 'Unsure', 'capacity_level': 'Unknown'})
+        self.bluetooth.connect(HEADSET, 'WH-1000XM4', 80)
+        wait_for('the accessories in UPower', lambda: all(name in self.upower() for name in (
+            'hidpp_battery_0', 'hid_aa', 'ps_controller', 'hidpp_battery_1', 'unsure', 'dev_11_22')), 20)
+        kivo = self.start()
 
-        self.desktop.hardware('set', 'hidpp_battery_0', {'capacity': '11'})
-        bluetooth.connect(HEADSET, 'WH-1000XM4', 80)
+        # What is there at the start is listed at once and is not news, however low it is.
+        there = {'Old Mouse': ('mouse', 10), 'MX Master': ('mouse', 42), 'Wireless Controller': ('gamepad', 55),
+                 'Magic Keyboard': ('keyboard', 63), 'WH-1000XM4': ('headphones', 80)}
+        self.await_list(there)
+        self.assertEqual(self.messages.notifications(), [])
+
+        # The mouse gets low, earbuds and a phone connect; the others stop telling anything, which is no news: UPower
+        # stays with what two of them said last, and makes up 50% for the third.
+        hardware('set', 'hidpp_battery_0', {'capacity': '19'})
+        self.bluetooth.connect(EARBUDS, 'AirPods Pro', 60, EARBUDS_CLASS, 'audio-headphones')
+        self.bluetooth.connect(PHONE, "Anna's phone", 15, PHONE_CLASS, 'phone')
+        hardware('set', 'ps-controller-battery-aa:bb:cc:dd:ee:02', {'present': '0', 'capacity': '0'})
+        hardware('set', 'hid-aa:bb:cc:dd:ee:01-battery', {'capacity': '0', 'status': 'Unknown'})
+        hardware('set', 'hidpp_battery_1', {'capacity_level': 'Unknown'})
         began = time.monotonic()
-        wait_for('both notifications', lambda: len(messages.notifications()) >= 2, POLL)
-        told = {(title, body) for _, _, title, body in messages.notifications()}
+        picture, _ = kivo.await_island(POLL)
+        self.assertGreater(picture.width, 100)
+        wait_for('the notifications', lambda: len(self.messages.notifications()) >= 3, 10)
+        told = {(title, body) for _, _, title, body in self.messages.notifications()}
         print(f'told after {time.monotonic() - began:.1f} s: {told}')
-        self.assertEqual(told, {('MX Master', '11% left'), ('WH-1000XM4', '80% · connected')})
-        # UPower and BlueZ both know the headset.
-        self.assertEqual(self.listed(), {'MX Master': ('mouse', 11), 'WH-1000XM4': ('headphones', 80)})
+        self.assertEqual(told, {('MX Master', '19% left'), ('AirPods Pro', '60% · connected'),
+                                ("Anna's phone", '15% · connected')})
+        # UPower and BlueZ both know the headset, the earbuds and the phone.
+        rest = {'MX Master': ('mouse', 19), 'AirPods Pro': ('airpodsPro', 60), 'WH-1000XM4': ('headphones', 80),
+                "Anna's phone": ('other', 15), 'Wireless Controller': ('gamepad', 55), 'Magic Keyboard': ('keyboard', 63)}
+        self.await_list(rest)
+
+        # Two hundred accessories come and go: the list is right in the end and was published once.
+        before, published = self.upower().count('objectpath'), self.published()
+        began = time.monotonic()
+        hardware('storm', 200)
+        print(f'the storm took {time.monotonic() - began:.1f} s')
+        wait_for('the end of the storm in UPower',
+                 lambda: self.upower().count('/') and 'storm_battery_99' in self.upower() and
+                 'storm_battery_97' not in self.upower(), 30)
+        gadgets = {f'Gadget {number}': ('other', 50) for number in (98, 99)}
+        self.await_list({**rest, **gadgets}, POLL)
+        polls = int((time.monotonic() - began) / 29) + 1
+        self.assertLessEqual(self.published() - published, polls)
+        self.assertIsNone(kivo.process.poll())
+        late = {(title, body) for _, _, title, body in self.messages.notifications()} - told
+        self.assertLessEqual(late, {(name, '50% · connected') for name in ('Gadget 98', 'Gadget 99')})
 
 
 if __name__ == '__main__':

@@ -6,7 +6,9 @@
 Programs that run under umockdev-wrapper with UMOCKDEV_DIR (see `dir`) find this hardware in /sys and hear its
 uevents. A line is a JSON list, a command and its arguments; so is each answer: ["ok", …] or ["error", …].
 
-  ["add", SUBSYSTEM, NAME, {ATTRIBUTE: VALUE}]   ["laptop"]   ["mouse", PERCENT]   ["dir"]
+  ["add", SUBSYSTEM, NAME, {ATTRIBUTE: VALUE}]   ["laptop"]   ["dir"]
+  ["mouse", PERCENT]   ["keyboard", PERCENT]   ["gamepad", PERCENT]   ["coarse", LEVEL]   (one that knows "Low")
+  ["storm", COUNT]      so many accessories come and go at once; the last two, storm_battery_N, stay
   ["set", NAME, {ATTRIBUTE: VALUE}]     changes attributes and sends one `change` uevent
   ["quiet", NAME, {ATTRIBUTE: VALUE}]   the same without a uevent: what only a poll sees
   ["remove", NAME]
@@ -16,6 +18,7 @@ import os
 import signal
 import socket
 import sys
+import time
 
 
 class Hardware:
@@ -50,17 +53,43 @@ class Hardware:
             'energy_now': '39500000', 'capacity': '79', 'power_now': '10000000', 'voltage_now': '12000000',
             'voltage_min_design': '11100000', 'cycle_count': '217', 'temp': '312', 'capacity_level': 'Normal'})
 
-    def mouse(self, percent):
+    def accessory(self, name, place, kind, supply, attributes):
         # upowerd finds the type by this shape: bluetooth device > hid > input, the power supply beside it.
-        parent = self.create('bluetooth', 'hci0:256', None, {}, {'DEVTYPE': 'link'})
-        hid = self.create('hid', '0005:046D:B012.0001', parent, {}, {'HID_NAME': 'MX Master'})
-        kind = {'ID_INPUT': '1', 'ID_INPUT_MOUSE': '1'}
-        device = self.create('input', 'input7', hid, {'name': 'MX Master'}, kind)
-        self.create('input', 'event7', device, {}, dict(kind, DEVNAME='input/event7'))
-        return self.create('power_supply', 'hidpp_battery_0', hid, {
+        parent = self.create('bluetooth', f'hci0:{256 + place}', None, {}, {'DEVTYPE': 'link'})
+        hid = self.create('hid', f'0005:046D:B012.{place:04}', parent, {}, {'HID_NAME': name})
+        kinds = dict({f'ID_INPUT_{one}': '1' for one in kind}, ID_INPUT='1')
+        device = self.create('input', f'input{place}', hid, {'name': name}, kinds)
+        self.create('input', f'event{place}', device, {}, dict(kinds, DEVNAME=f'input/event{place}'))
+        return self.create('power_supply', supply, hid, {
             'type': 'Battery', 'scope': 'Device', 'present': '1', 'online': '1', 'status': 'Discharging',
-            'model_name': 'MX Master', 'manufacturer': 'Logitech', 'serial_number': '4082-aa-bb',
-            'capacity': str(percent)}, {})
+            'model_name': name, **attributes}, {})
+
+    def mouse(self, percent):
+        return self.accessory('MX Master', 7, ['MOUSE'], 'hidpp_battery_0', {
+            'capacity': str(percent), 'manufacturer': 'Logitech', 'serial_number': '4082-aa-bb'})
+
+    def keyboard(self, percent):
+        return self.accessory('Magic Keyboard', 8, ['KEY', 'KEYBOARD'], 'hid-aa:bb:cc:dd:ee:01-battery', {
+            'capacity': str(percent)})
+
+    def gamepad(self, percent):
+        return self.accessory('Wireless Controller', 9, ['JOYSTICK'], 'ps-controller-battery-aa:bb:cc:dd:ee:02', {
+            'capacity': str(percent)})
+
+    def coarse(self, level):
+        return self.accessory('Old Mouse', 10, ['MOUSE'], 'hidpp_battery_1', {
+            'capacity_level': level, 'serial_number': '101a'})
+
+    def storm(self, count):
+        for number in range(count // 2):
+            name = f'storm_battery_{number}'
+            self.add('power_supply', name, {
+                'type': 'Battery', 'scope': 'Device', 'present': '1', 'status': 'Discharging', 'online': '1',
+                'model_name': f'Gadget {number}', 'serial_number': f'gadget-{number}', 'capacity': '50'})
+            if number >= 2:
+                self.remove(f'storm_battery_{number - 2}')
+            # What nobody has heard yet stands in a buffer that umockdev dies of.
+            time.sleep(0.005)
 
     def quiet(self, name, attributes):
         for key, value in attributes.items():
@@ -78,7 +107,7 @@ class Hardware:
         return self.testbed.get_root_dir()
 
 
-COMMANDS = ('add', 'laptop', 'mouse', 'set', 'quiet', 'remove', 'dir')
+COMMANDS = ('add', 'laptop', 'mouse', 'keyboard', 'gamepad', 'coarse', 'storm', 'set', 'quiet', 'remove', 'dir')
 
 
 def serve(path):

@@ -16,6 +16,9 @@ constexpr std::size_t addressLength = 17;
 constexpr std::int64_t linePowerType = 1;
 constexpr std::int64_t uninterruptibleSupplyType = 3;
 constexpr std::int64_t chargingState = 1;
+// A device that has coarse levels and does not know its own; UPower shows half for that.
+constexpr std::int64_t unknownLevel = 0;
+constexpr double unknownLevelPercent = 50;
 
 // What is known of a device's level: nothing, about how much ("low"), or a percentage.
 enum class Precision { none, coarse, exact };
@@ -151,8 +154,11 @@ std::optional<Sighting> sightingFromUPower(const std::string& path, const Dictio
     sighting.isNamedByUser = nativePath.find("/org/bluez/") == 0;
     if (!flagAt(properties, "IsPresent", true))
         return sighting;
-    const auto coarse = look(coarseLevels, integerAt(properties, "BatteryLevel"));
+    const auto* level = find(properties, "BatteryLevel");
     const auto percent = numberAt(properties, "Percentage");
+    if (level && level->integer() == unknownLevel && percent == unknownLevelPercent)
+        return sighting;
+    const auto coarse = look(coarseLevels, integerAt(properties, "BatteryLevel"));
     setPercent(sighting, percent > 0 ? percent : static_cast<double>(coarse),
                coarse != 0 ? Precision::coarse : Precision::exact);
     return sighting;
