@@ -2,6 +2,7 @@
 #include "linux/LinuxAccessorySources.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace kivo {
@@ -54,8 +55,19 @@ std::optional<std::vector<PowerSourceDescription>> LinuxAccessorySources::copyAc
         if (!isComplete())
             return std::nullopt;
     }
-    const auto descriptions = accessoryDescriptions(last_, bluez_.devices());
+    const auto descriptions = accessoryDescriptions(ownDevices(), bluez_.devices());
     return std::vector<PowerSourceDescription>(descriptions.begin(), descriptions.end());
+}
+
+UPowerDevices LinuxAccessorySources::ownDevices() const {
+    auto devices = last_;
+    for (auto device = devices.begin(); device != devices.end();) {
+        const auto* value = find(device->second, "Serial");
+        const auto* serial = value ? value->string() : nullptr;
+        const bool isElsewhere = serial && !serial->empty() && isListedElsewhere && isListedElsewhere(*serial);
+        device = isElsewhere ? devices.erase(device) : std::next(device);
+    }
+    return devices;
 }
 
 std::vector<Dictionary> LinuxAccessorySources::inputDevices() {

@@ -27,6 +27,9 @@ public:
     // an incomplete list would take accessories that were always there for newly connected ones.
     void whenComplete(std::function<void()> task);
 
+    // Whether somebody else lists the device with this serial number; it is left out here then.
+    std::function<bool(std::string_view serial)> isListedElsewhere;
+
     bool resolve() override { return true; }
     // Nothing before anybody has answered.
     std::optional<std::vector<PowerSourceDescription>> copyAccessorySources() override;
@@ -34,6 +37,7 @@ public:
     std::vector<Dictionary> inputDevices();
 
 private:
+    UPowerDevices ownDevices() const;
     bool standsForUPower() const;
     void considerWaiting();
     void endWaiting();

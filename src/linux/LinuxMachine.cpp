@@ -90,7 +90,11 @@ struct LinuxMachine::Services {
     Windows* windows = &absentWindows;
 };
 
-LinuxMachine::LinuxMachine(const Packaging& packaging) : services_(std::make_unique<Services>(packaging)) {}
+LinuxMachine::LinuxMachine(const Packaging& packaging) : services_(std::make_unique<Services>(packaging)) {
+    // Some versions of UPower read phones too.
+    services_->accessorySources.isListedElsewhere =
+        [&phones = services_->mobileDevices](std::string_view serial) { return phones.canRead(serial); };
+}
 LinuxMachine::~LinuxMachine() = default;
 
 void LinuxMachine::provide(OverlayPanel& overlayPanel) {

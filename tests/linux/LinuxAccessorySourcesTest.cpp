@@ -196,6 +196,47 @@ TEST_F(LinuxAccessorySourcesTest, followsBatteriesThatComeAndGo) {
     comes("MX Master 42,|");
 }
 
+TEST_F(LinuxAccessorySourcesTest, leavesOutWhatIsListedElsewhere) {
+    startUPower();
+    start();
+    comes("MX Master 42,|");
+    sources->isListedElsewhere = [](std::string_view serial) { return serial == "4082"; };
+    comes("|");
+    upowerd->change(mouse, {{"Serial", ""}});
+    comes("MX Master 42,|");
+}
+
+TEST_F(LinuxAccessorySourcesTest, aStormEndsInTheRightList) {
+    const QString manager = QStringLiteral("/org/freedesktop/UPower");
+    const QString interface = QStringLiteral("org.freedesktop.UPower");
+    const auto path = [](int number) { return mouse + QString::number(number); };
+    startUPower();
+    start();
+    comes("MX Master 42,|");
+    // Each is gone, or is there again with another level, before anybody can have asked for it.
+    for (int number = 0; number < 200; ++number) {
+        const auto device = QVariant::fromValue(QDBusObjectPath(path(number % 50)));
+        if (number % 3 == 2) {
+            upowerd->objects.erase(path(number % 50));
+            upowerd->tell(manager, interface, QStringLiteral("DeviceRemoved"), device);
+            continue;
+        }
+        upowerd->objects[path(number % 50)] = {deviceInterface,
+                                               {{"Type", 2U},
+                                                {"PowerSupply", false},
+                                                {"Model", QString::number(number)},
+                                                {"NativePath", path(number % 50)},
+                                                {"Percentage", 1.0 + number % 99}}};
+        upowerd->tell(manager, interface, QStringLiteral("DeviceAdded"), device);
+    }
+    for (int number = 0; number < 49; ++number) {
+        upowerd->objects.erase(path(number));
+        upowerd->tell(manager, interface, QStringLiteral("DeviceRemoved"),
+                      QVariant::fromValue(QDBusObjectPath(path(number))));
+    }
+    comes("199 2,MX Master 42,|");
+}
+
 TEST_F(LinuxAccessorySourcesTest, aRestartOfUPowerDisconnectsNothing) {
     addKernelDevice("hidpp_battery_0", "MX Master");
     startUPower();

@@ -220,6 +220,21 @@ TEST_F(LinuxMobileDevicesTest, ADetachEndsTheReadingThatRuns) {
     EXPECT_EQ(log.lines(), std::vector<std::string>()) << "no fault of the phone's";
 }
 
+TEST_F(LinuxMobileDevicesTest, KnowsWhichSerialNumbersArePhonesThatItReads) {
+    EXPECT_FALSE(devices().canRead("00008110000A"));
+    const std::string phone = "error21-AMDeviceStartSession";
+    for (const auto& identifier : {std::string("00008110-000A"), phone})
+        devices().handle({Kind::connected, identifier, PhoneEvent::usb});
+    EXPECT_TRUE(devices().canRead("00008110000A"));
+    EXPECT_TRUE(devices().canRead("00008110-000A"));
+    EXPECT_FALSE(devices().canRead("00008110000"));
+    EXPECT_TRUE(devices().canRead(phone)) << "before it was tried";
+    read(phone);
+    EXPECT_FALSE(devices().canRead(phone));
+    devices().handle({Kind::disconnected, "00008110-000A", PhoneEvent::usb});
+    EXPECT_FALSE(devices().canRead("00008110000A"));
+}
+
 TEST_F(LinuxMobileDevicesTest, NoReadingBeginsAfterTheEnd) {
     devices().endReadings();
     EXPECT_EQ(read("A-1"), std::nullopt);

@@ -43,6 +43,13 @@ constexpr Hint hints[] = {
     {-8, "it does not answer: plug it in again or restart usbmuxd", false},
 };
 
+// The kernel's serial numbers are identifiers without theirs.
+std::string withoutHyphens(std::string_view text) {
+    std::string result(text);
+    result.erase(std::remove(result.begin(), result.end(), '-'), result.end());
+    return result;
+}
+
 Dictionary withText(const char* key, const std::optional<std::string>& text) {
     return text ? Dictionary{{key, *text}} : Dictionary{};
 }
@@ -135,6 +142,15 @@ void LinuxMobileDevices::endReadings() {
         if (phone.reader)
             phone.reader->cancel();
     }
+}
+
+bool LinuxMobileDevices::canRead(std::string_view serial) const {
+    const auto plain = withoutHyphens(serial);
+    const std::lock_guard lock(mutex_);
+    return std::any_of(phones_.begin(), phones_.end(), [&](const auto& entry) {
+        const auto& phone = entry.second;
+        return phone.isAttached && phone.failures == 0 && withoutHyphens(phone.identifier) == plain;
+    });
 }
 
 MobileDeviceReference LinuxMobileDevices::find(const std::string& identifier, int interfaceType) const {

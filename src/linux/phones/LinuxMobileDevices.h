@@ -41,6 +41,10 @@ public:
     // Loses every helper that reads and starts no other.
     void endReadings();
 
+    // State out; main thread.
+    // Whether a device with this serial number is a phone that is attached and, as far as is known, readable.
+    bool canRead(std::string_view serial) const;
+
     // Callbacks out
     // Somebody wants to know what comes and goes.
     std::function<void()> onSubscribe;
