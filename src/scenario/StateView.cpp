@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/PowerState.h"
-#include "platform/UserDefaults.h"
 #include "scenario/Records.h"
 #include "scenario/ScenarioRun.h"
 #include "scenario/ViewTable.h"
+#include "ui/SettingsModel.h"
 
 namespace kivo {
 namespace {
@@ -36,8 +36,7 @@ void addAlerts(Dictionary& state, ScenarioRun& run, AppCoordinator& coordinator)
     for (const IslandContent& waiting : coordinator.overlay().queue())
         queue.push_back(waiting.subjectID);
     state["queue"] = std::move(queue);
-    const auto tab = run.machine().standardDefaults().value("settingsTab");
-    state["settingsTab"] = tab && tab->string() ? *tab : PropertyValue("alerts");
+    state["settingsTab"] = settingsTabs.name(selectedTab(run.machine().standardDefaults()));
 }
 
 void addPermissions(Dictionary& state, AppCoordinator& coordinator) {

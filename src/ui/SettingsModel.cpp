@@ -15,6 +15,12 @@ constexpr std::string_view tabKey = "settingsTab";
 
 } // namespace
 
+SettingsTab selectedTab(UserDefaults& defaults) {
+    const auto stored = defaults.value(tabKey);
+    const std::string* name = stored ? stored->string() : nullptr;
+    return name ? settingsTabs.value(*name).value_or(SettingsTab::alerts) : SettingsTab::alerts;
+}
+
 SettingsModel::SettingsModel(MainLoop& loop, AppCoordinator& coordinator, UserDefaults& defaults,
                              Workspace& workspace, Windows& windows)
     : loop_(loop),
@@ -58,9 +64,7 @@ void SettingsModel::refresh() {
 }
 
 SettingsTab SettingsModel::tab() const {
-    const auto stored = defaults_.value(tabKey);
-    const std::string* name = stored ? stored->string() : nullptr;
-    return name ? settingsTabs.value(*name).value_or(SettingsTab::alerts) : SettingsTab::alerts;
+    return selectedTab(defaults_);
 }
 
 void SettingsModel::select(SettingsTab tab) {

@@ -17,6 +17,10 @@ class UserDefaults;
 class Windows;
 class Workspace;
 
+// The tab that was selected last, also by an earlier launch; the first where none is remembered, or none of the
+// tabs there are.
+SettingsTab selectedTab(UserDefaults& defaults);
+
 // The settings window as whoever draws it knows it: what its tabs show and what their controls do. Every change
 // is stored and takes effect at once. It lives as long as the window: which rule is expanded and what the
 // energy tab lists begin anew with each.
@@ -44,7 +48,7 @@ public:
     void showIntroduction();
 
     // State out
-    SettingsTab tab() const; // the first where none is remembered
+    SettingsTab tab() const;
     AlertsPane& alerts() { return alerts_; }
     EnergyMonitor::Window energyWindow() const { return energyWindow_; }
     bool showsApps() const { return showsApps_; }

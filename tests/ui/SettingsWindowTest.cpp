@@ -2,9 +2,11 @@
 #include "app/AppDelegate.h"
 #include "platform/UserDefaults.h"
 #include "simulated/SimulatedMachine.h"
+#include "support/Json.h"
 #include "ui/AlertsPane.h"
 #include "ui/Onboarding.h"
 #include "ui/SettingsContent.h"
+#include "ui/SettingsModel.h"
 
 #include <gtest/gtest.h>
 
@@ -121,6 +123,18 @@ TEST_F(SettingsWindowTest, rulesAreAddedAtTheEndAndDeletedWhereTheyCanBeAdded) {
     pane.deleteRule(11);
     pane.deleteRule(11);
     EXPECT_EQ(rules(), defaultRules());
+}
+
+TEST_F(SettingsWindowTest, aTabThatIsNoneIsTheFirst) {
+    EXPECT_EQ(selectedTab(machine.standardDefaults()), SettingsTab::alerts);
+    const std::pair<PropertyValue, SettingsTab> rows[] = {{"general", SettingsTab::general},
+                                                          {"General", SettingsTab::alerts},
+                                                          {3, SettingsTab::alerts},
+                                                          {"menuBar", SettingsTab::menuBar}};
+    for (const auto& [stored, expected] : rows) {
+        machine.standardDefaults().set("settingsTab", stored);
+        EXPECT_EQ(selectedTab(machine.standardDefaults()), expected) << json::write(stored);
+    }
 }
 
 TEST_F(SettingsWindowTest, theGeneralTabShowsWhatIsStillToBeGranted) {
