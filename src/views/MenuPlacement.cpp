@@ -13,10 +13,15 @@ enum class Edge { top, bottom, left, right };
 constexpr int gap = 8;
 constexpr int margin = 8; // to the edges of what is available
 
+// Qt's own centre lies half a point off.
+QPoint middle(const QRect& box) {
+    return {box.x() + box.width() / 2, box.y() + box.height() / 2};
+}
+
 // The edge whose panel holds the icon. Where no panel is known of it is the nearest one; panels lie above and
 // below far more often than at the sides.
 Edge panelEdge(const QRect& icon, const QRect& screen, const QRect& available) {
-    const QPoint at = icon.center();
+    const QPoint at = middle(icon);
     if (at.y() < available.top())
         return Edge::top;
     if (at.y() > available.bottom())
@@ -41,7 +46,7 @@ int within(int wanted, int length, int low, int high) {
 } // namespace
 
 QRect menuPlace(QSize size, const QRect& icon, const QRect& screen, const QRect& available) {
-    QPoint place(icon.center().x() - size.width() / 2, icon.center().y() - size.height() / 2);
+    QPoint place = middle(icon) - QPoint(size.width() / 2, size.height() / 2);
     switch (panelEdge(icon, screen, available)) {
     case Edge::top:
         place.setY(std::max(icon.bottom() + 1, available.top()) + gap);

@@ -35,8 +35,12 @@ public:
     Heading(ViewContext& context, QWidget* parent) : QWidget(parent), context_(context) {}
 
     void setTexts(const std::string& title, const std::optional<std::string>& trailing) {
-        title_ = toQString(title);
-        trailing_ = toQString(trailing.value_or(""));
+        const QString newTitle = toQString(title);
+        const QString newTrailing = toQString(trailing.value_or(""));
+        if (newTitle == title_ && newTrailing == trailing_)
+            return;
+        title_ = newTitle;
+        trailing_ = newTrailing;
         setAccessibleName(trailing ? title_ + QLatin1Char(' ') + trailing_ : title_);
         update();
     }
@@ -152,9 +156,8 @@ int MenuWindow::layOutTiles(int top, int inner) {
     return top + height;
 }
 
-// Puts everything above the footer in its place; returns its height.
-int MenuWindow::layOutBody(int listHeight) {
-    const int inner = width() - 2 * margin;
+// Puts everything above the device list in its place; returns where the list begins.
+int MenuWindow::layOutHead(int inner) {
     int top = margin;
     hero_.setGeometry(margin, top, inner, hero_.heightFor(inner));
     top += hero_.height();
@@ -167,9 +170,7 @@ int MenuWindow::layOutBody(int listHeight) {
     }
     top += 4;
     heading_->setGeometry(margin, top, inner, headingHeight);
-    top += headingHeight;
-    devices_.setGeometry(margin, top, inner, listHeight);
-    return top + listHeight;
+    return top + headingHeight;
 }
 
 void MenuWindow::layOut() {
@@ -178,13 +179,14 @@ void MenuWindow::layOut() {
     const int footerBlock = footerGap + FooterView::footerHeight + margin;
     const int inner = width() - 2 * margin;
     const int full = devices_.heightFor(inner);
-    const int above = layOutBody(full) - full;
+    const int above = layOutHead(inner);
     const int limit = static_cast<int>(room_.height() * shareOfScreen);
     int list = std::clamp(limit - above - footerBlock, devices_.leastHeight(inner), full);
     // Too low for even a few rows: then there is one thing that scrolls, not two in one another.
     if (above + list + footerBlock > room_.height())
         list = full;
-    const int bodyHeight = layOutBody(list);
+    devices_.setGeometry(margin, above, inner, list);
+    const int bodyHeight = above + list;
     const int shown = std::min(bodyHeight, room_.height() - footerBlock);
     scroll_.setGeometry(0, 0, width(), shown);
     scroll_.layOut(bodyHeight);

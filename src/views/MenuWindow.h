@@ -53,7 +53,7 @@ private:
     void setAttention(const std::optional<std::string>& text);
     void layOut();
     int layOutTiles(int top, int inner);
-    int layOutBody(int listHeight);
+    int layOutHead(int inner);
     void orderFocus();
     void focusEnd(bool isLast);
     void revealFocus(QWidget* focused);

@@ -40,8 +40,9 @@ private:
 };
 
 ScrollView::ScrollView(ViewContext& context, QWidget* parent, QWidget* content)
-    : QWidget(parent), context_(context), content_(content), thumb_(new Thumb(context, this)) {
+    : QWidget(parent), context_(context), content_(content) {
     content_->setParent(this);
+    thumb_ = new Thumb(context, this); // over the content
     thumb_->installEventFilter(this);
     thumb_->hide();
 }
@@ -64,7 +65,6 @@ void ScrollView::place() {
     content_->setGeometry(0, -offset_, width(), contentHeight_);
     thumb_->setVisible(greatestOffset() > 0);
     thumb_->setGeometry(thumbBox());
-    thumb_->raise();
 }
 
 QRect ScrollView::thumbBox() const {

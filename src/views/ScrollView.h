@@ -35,7 +35,7 @@ private:
 
     ViewContext& context_;
     QWidget* content_;
-    QWidget* thumb_;
+    QWidget* thumb_ = nullptr;
     int offset_ = 0;
     int contentHeight_ = 0;
     int dragStart_ = 0;

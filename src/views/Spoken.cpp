@@ -13,6 +13,8 @@ public:
     SpokenInterface(QWidget* widget, Spoken& spoken)
         : QAccessibleWidget(widget, spoken.role()), spoken_(spoken) {}
 
+    // Asked each time: a widget may have a screen reader's ear before it is all that it will be.
+    QAccessible::Role role() const override { return spoken_.role(); }
     QAccessible::State state() const override {
         QAccessible::State state = QAccessibleWidget::state();
         if (const auto checked = spoken_.checkedState()) {

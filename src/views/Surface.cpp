@@ -55,8 +55,8 @@ Surface surfaceFor(const QPalette& palette) {
     surface.hairline = surface.isDark ? withAlpha(Qt::white, 0.08) : withAlpha(Qt::black, 0.07);
     surface.ink = surface.isDark ? QColor(245, 245, 247) : QColor(28, 28, 30);
     // The weakest that can still be read on the window as well as on a card.
-    surface.secondary = mixed(surface.ink, surface.card, surface.isDark ? 0.66 : 0.69);
-    surface.tertiary = mixed(surface.ink, surface.card, surface.isDark ? 0.54 : 0.62);
+    surface.secondary = mixed(surface.ink, surface.card, surface.isDark ? 0.66 : 0.72);
+    surface.tertiary = mixed(surface.ink, surface.card, surface.isDark ? 0.54 : 0.64);
     surface.track = withAlpha(surface.ink, surface.isDark ? 0.12 : 0.09);
     surface.accent = accent(palette);
     return surface;

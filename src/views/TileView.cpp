@@ -109,6 +109,8 @@ void TileView::paintEvent(QPaintEvent*) {
 AttentionView::AttentionView(ViewContext& context, QWidget* parent) : QWidget(parent), context_(context) {}
 
 void AttentionView::setText(const std::string& text) {
+    if (accessibleName() == toQString(text))
+        return;
     text_ = toQString(text);
     setAccessibleName(text_);
     update();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/MenuContent.h"
 
+#include "ui/MenuSpeech.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -124,6 +126,9 @@ TEST(MenuContent, aConditionThatNeedsAttentionIsSaidTwice) {
     EXPECT_EQ(menu.tiles[3].value, "Service");
     EXPECT_EQ(menu.tiles[3].tint, Ink(amber));
     EXPECT_EQ(menu.attention, "macOS recommends having Apple check your battery");
+    EXPECT_FALSE(menuContent({.condition = "Service"}).attention)
+        << "without a battery there is nothing to check";
+    EXPECT_FALSE(menuContent({.snapshot = BatterySnapshot{}, .condition = "Normal"}).attention);
     EXPECT_EQ(healthTiles({}, "normal")[3].value, "Normal");
     EXPECT_EQ(healthTiles({}, {})[3].value, "N/A");
 }
@@ -135,6 +140,46 @@ TEST(MenuContent, withoutABatteryOnlyThePlugStandsAboveTheDevices) {
     EXPECT_TRUE(menu.tiles.empty());
     EXPECT_EQ(menu.noDevices, "No accessories connected");
     EXPECT_EQ(menu.footer.size(), 4u);
+}
+
+TEST(MenuContent, theDeviceListTellsUnreadFromEmpty) {
+    const PowerDevice mouse{.id = "m", .name = "Mouse"};
+    struct Row {
+        const char* label;
+        MenuSource source;
+        bool isLoading;
+        std::optional<std::string> count;
+    };
+    const std::array rows{
+        Row{"unread", {.hasLoadedDevices = false}, true, {}}, Row{"read and empty", {}, false, {}},
+        Row{"unread, one remembered", {.devices = {mouse}, .hasLoadedDevices = false}, false, "1"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        const auto menu = menuContent(row.source);
+        EXPECT_EQ(menu.loading.has_value(), row.isLoading);
+        EXPECT_EQ(menu.devicesCount, row.count);
+        EXPECT_EQ(menu.noDevices.has_value(), row.source.devices.empty());
+    }
+}
+
+TEST(MenuSpeech, saysAllThatAPartShows) {
+    HeroCard hero = card({.level = 64, .source = Source::ac, .isCharging = true, .minutesToFull = 52},
+                         BatteryHealth{.designCapacity = 100, .fullChargeCapacity = 91});
+    hero.targetTip = "Your charge target: 80%";
+    EXPECT_EQ(spoken(hero), "Mac, 64%, Charging, Until full 52 min, Health 91%, Your charge target: 80%");
+    EXPECT_EQ(spoken(healthTiles({.cycleCount = 217, .ratedCycles = 1000}, {})[1]), "Cycles, 217, of 1000");
+    EXPECT_EQ(spoken(healthTiles({}, "Normal")[3]), "Status, Normal");
+
+    using Kind = PowerDevice::Part::Kind;
+    const PowerDevice earbuds{.name = "AirPods",
+                              .level = 40,
+                              .isCharging = true,
+                              .parts = {{Kind::left, 80}, {Kind::chargingCase, 40}}};
+    EXPECT_EQ(spoken(deviceRow(earbuds, {})),
+              "AirPods, 40%, charging, Left AirPod 80%, AirPods charging case 40%");
+    const PowerDevice phone{
+        .name = "Phone", .level = 50, .healthPercent = 91, .connection = "USB", .lastSeen = Date{0}};
+    EXPECT_EQ(spoken(deviceRow(phone, Date{60})), "Phone, 50%, USB, Seen 1 minute ago, Health 91%");
 }
 
 TEST(MenuContent, aRememberedDeviceSaysWhenItWasSeenAndCanBeForgotten) {
@@ -162,6 +207,12 @@ TEST(MenuContent, relativeTimesTakeTheLargestWholeUnit) {
     const std::array rows{Row{-5, "0 seconds"},   Row{1.9, "1 second"},    Row{59, "59 seconds"},
                           Row{60, "1 minute"},    Row{3599, "59 minutes"}, Row{3600, "1 hour"},
                           Row{86399, "23 hours"}, Row{86400, "1 day"},     Row{200000, "2 days"}};
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
         EXPECT_EQ(relativeTime(row.seconds), row.text);
+        const double next = row.seconds + relativeTimeLasts(row.seconds);
+        EXPECT_EQ(relativeTime(next - 0.001), row.text) << "not before its time";
+        EXPECT_NE(relativeTime(next), row.text) << "but then";
+    }
+    EXPECT_EQ(relativeTime(1e300), relativeTime(1e15)) << "no date is too old";
 }
