@@ -67,8 +67,9 @@ private:
 
 } // namespace
 
-LinuxAccessibility::LinuxAccessibility(MainLoop& loop, const QDBusConnection& session)
-    : loop_(loop), session_(session) {
+LinuxAccessibility::LinuxAccessibility(MainLoop& loop, const QDBusConnection& session,
+                                       std::function<void(bool)> silence)
+    : loop_(loop), session_(session), silence_(std::move(silence)) {
     session_.connect(service, path, properties, QStringLiteral("PropertiesChanged"), this,
                      SLOT(statusChanged(QDBusMessage)));
     service_ = std::make_unique<NameOwner>(session_, service, [this](const QString& owner) {

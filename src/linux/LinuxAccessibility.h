@@ -23,7 +23,8 @@ class NameOwner;
 class LinuxAccessibility final : public QObject, public Accessibility {
     Q_OBJECT
 public:
-    LinuxAccessibility(MainLoop& loop, const QDBusConnection& session);
+    // `silence` is told each wish about the desktop's own low-battery notice.
+    LinuxAccessibility(MainLoop& loop, const QDBusConnection& session, std::function<void(bool)> silence);
     ~LinuxAccessibility() override;
 
     bool isProcessTrusted() override { return isEnabled_.get(); }
@@ -32,7 +33,7 @@ public:
         return isEnabled_.onChange(std::move(listener));
     }
     void read(Reading reading) override;
-    void silenceLowBatteryNotice(bool) override {}
+    void silenceLowBatteryNotice(bool isSilent) override { silence_(isSilent); }
 
 private Q_SLOTS:
     void statusChanged(const QDBusMessage& message);
@@ -44,6 +45,7 @@ private:
 
     MainLoop& loop_;
     QDBusConnection session_;
+    std::function<void(bool)> silence_;
     Observable<bool> isEnabled_{false};
     std::unique_ptr<NameOwner> service_;
     Workers reader_{1};

@@ -9,6 +9,7 @@
 #include "linux/LinuxPowerSources.h"
 #include "linux/LinuxProcessRunner.h"
 #include "linux/LinuxWorkspace.h"
+#include "linux/NoticeSilencer.h"
 #include "linux/PortalLoginService.h"
 #include "linux/PowerProfiles.h"
 #include "linux/QtLoop.h"
@@ -73,7 +74,9 @@ struct LinuxMachine::Services {
     LinuxSupportFiles supportFiles{folders.data, writer, loop};
 
     LinuxProcesses processes{loop};
-    LinuxAccessibility accessibility{loop, QDBusConnection::sessionBus()};
+    NoticeSilencer notices{loop, QDBusConnection::sessionBus(), folders, log};
+    LinuxAccessibility accessibility{loop, QDBusConnection::sessionBus(),
+                                     [this](bool isSilent) { notices.silence(isSilent); }};
 
     QtScreens screens;
     LinuxNotificationCenter notifications{QDBusConnection::sessionBus()};

@@ -64,7 +64,7 @@ struct LinuxAccessibilityTest : testing::Test {
     QString address;
     std::optional<ScriptedService> service;
     QtLoop loop;
-    LinuxAccessibility accessibility{loop, bus.connection()};
+    LinuxAccessibility accessibility{loop, bus.connection(), [](bool) {}};
 };
 
 TEST_F(LinuxAccessibilityTest, trustIsWhatTheServiceSays) {
