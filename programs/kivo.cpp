@@ -6,7 +6,9 @@
 #include "linux/SingleInstance.h"
 #include "linux/base/LinuxTexts.h"
 #include "platform/Workspace.h"
+#include "views/LayerSurface.h"
 #include "views/NotifiedIslands.h"
+#include "views/OverlayChoice.h"
 #include "views/PaintedWindow.h"
 #include "views/QtOverlayPanel.h"
 #include "views/SettingsWindow.h"
@@ -62,16 +64,18 @@ void catchTermination() {
         sigaction(number, &action, nullptr);
 }
 
-// Islands need windows at exact places, which X11 gives (under Wayland by way of XWayland), and no OpenGL: its
-// libraries would cost more memory than all of Kivo. Without any display Kivo still notifies and plays sounds.
+bool hasCompositor() {
+    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+// Never OpenGL: its libraries would cost more memory than all of Kivo. Without any display Kivo still notifies
+// and plays sounds.
 void chooseDisplay() {
     qputenv("QT_XCB_GL_INTEGRATION", "none");
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return;
-    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    else if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const std::string_view platforms = choosePlatform(!qEnvironmentVariableIsEmpty("DISPLAY"), hasCompositor());
+    qputenv("QT_QPA_PLATFORM", QByteArray(platforms.data(), static_cast<qsizetype>(platforms.size())));
 }
 
 // Windows are seldom open: what they took goes back to the system.
@@ -99,24 +103,51 @@ void testAlert(AppCoordinator& coordinator) {
         coordinator.test(*rule);
 }
 
+// Where islands show on this computer's display.
+class Islands {
+public:
+    explicit Islands(LinuxMachine& machine)
+        : layers_(hasCompositor() ? LayerSurfaces::connect() : nullptr),
+          choice_(chooseOverlay(QGuiApplication::platformName().toStdString(), layers_ != nullptr)),
+          panel_(machine.loop(),
+                 choice_.way == OverlayWay::layers ? *layers_ : static_cast<OverlayDisplay&>(windows_)),
+          notified_(machine.notifications()) {
+        Logger(machine.log(), "overlay").info(choice_.reason);
+        if (areNotified())
+            machine.provide(notified_);
+        else
+            machine.provide(panel_);
+    }
+    void show(OverlayModel& model, Workspace& workspace) {
+        if (areNotified())
+            notified_.show(model);
+        else
+            panel_.show(model, workspace);
+    }
+    void showNothing() {
+        panel_.showNothing();
+        notified_.showNothing();
+    }
+
+private:
+    bool areNotified() const { return choice_.way == OverlayWay::notifications; }
+
+    std::unique_ptr<LayerSurfaces> layers_;
+    OverlayChoice choice_;
+    PaintedWindows windows_;
+    QtOverlayPanel panel_;
+    NotifiedIslands notified_;
+};
+
 int run(QApplication& app, SingleInstance& instance, const QString& firstAction) {
     LinuxMachine machine({KIVO_UPDATE_FEED, KIVO_UPDATE_KEY, KIVO_VERSION});
-    PaintedWindows windows;
-    QtOverlayPanel panel(machine.loop(), windows);
-    NotifiedIslands notified(machine.notifications());
-    const OverlayChoice choice = chooseOverlay(QGuiApplication::platformName().toStdString());
-    const bool hasWindows = choice.way == OverlayWay::windows;
-    Logger(machine.log(), "overlay").info(choice.reason);
-    machine.provide(hasWindows ? static_cast<OverlayPanel&>(panel) : notified);
+    Islands islands(machine);
     AppWindows appWindows(machine.loop());
     machine.provide(appWindows);
     AppDelegate delegate(machine);
     AppCoordinator& coordinator = delegate.coordinator();
     addWindows(appWindows, machine, coordinator);
-    if (hasWindows)
-        panel.show(coordinator.overlay().model(), machine.workspace());
-    else
-        notified.show(coordinator.overlay().model());
+    islands.show(coordinator.overlay().model(), machine.workspace());
     MenuModel menu(machine.loop(), coordinator, machine.workspace(), machine.windows());
     TrayMenu menuWindow(machine.loop(), menu);
     TrayIcon tray(machine.loop(), coordinator.monitor().snapshot(), coordinator.settings());
@@ -152,8 +183,7 @@ int run(QApplication& app, SingleInstance& instance, const QString& firstAction)
     updates.close();
     menu.close();
     appWindows.closeAll();
-    panel.showNothing();
-    notified.showNothing();
+    islands.showNothing();
     return status;
 }
 

@@ -5,14 +5,6 @@
 
 namespace kivo {
 
-OverlayChoice chooseOverlay(std::string_view platform) {
-    if (platform.starts_with("wayland"))
-        return {OverlayWay::notifications, "Islands show as notifications: Wayland without XWayland"};
-    if (platform == "xcb")
-        return {OverlayWay::windows, "Islands show in X11 windows"};
-    return {OverlayWay::windows, "Islands show nowhere: there is no display"};
-}
-
 void NotifiedIslands::show(OverlayModel& model) {
     change_ = model.token.onChange([this, &model] {
         if (const auto& content = model.content.get())

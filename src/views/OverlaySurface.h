@@ -42,10 +42,10 @@ class OverlayDisplay {
 public:
     virtual ~OverlayDisplay() = default;
 
-    // Nothing when the screen has gone.
     virtual std::unique_ptr<OverlaySurface> makeSurface(QScreen& screen, QRect place,
                                                         OverlaySurface::Paint paint) = 0;
-    // Whether surfaces are blended with what is below them; if not, a translucent one shows black.
+    // Whether surfaces are blended with what is below them; if not, a translucent one shows black. Asked before
+    // each island.
     virtual bool isCompositing() = 0;
 };
 

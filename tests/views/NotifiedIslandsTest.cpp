@@ -2,6 +2,7 @@
 #include "views/NotifiedIslands.h"
 #include "Stage.h"
 #include "platform/NotificationCenter.h"
+#include "views/OverlayChoice.h"
 
 #include <gtest/gtest.h>
 
@@ -37,11 +38,20 @@ TEST(NotifiedIslands, EachIslandIsOneNotificationInItsSubjectsPlace) {
     EXPECT_EQ(notifications.added.size(), 2U);
 }
 
-TEST(NotifiedIslands, OnlyADisplayWithoutPlacesNeedsThem) {
-    EXPECT_EQ(chooseOverlay("xcb").way, OverlayWay::windows);
-    EXPECT_EQ(chooseOverlay("wayland").way, OverlayWay::notifications);
-    EXPECT_EQ(chooseOverlay("wayland-egl").way, OverlayWay::notifications);
-    EXPECT_EQ(chooseOverlay("offscreen").way, OverlayWay::windows);
+TEST(OverlayChoice, TakesTheBestWayThatThereIs) {
+    const struct {
+        const char* platform;
+        bool hasLayerShell;
+        OverlayWay way;
+    } rows[] = {
+        {"xcb", false, OverlayWay::windows},       {"xcb", true, OverlayWay::layers},
+        {"wayland", true, OverlayWay::layers},     {"wayland", false, OverlayWay::notifications},
+        {"wayland-egl", true, OverlayWay::layers}, {"wayland-egl", false, OverlayWay::notifications},
+        {"offscreen", false, OverlayWay::windows}, {"offscreen", true, OverlayWay::windows},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(chooseOverlay(row.platform, row.hasLayerShell).way, row.way)
+            << row.platform << (row.hasLayerShell ? " with" : " without");
 }
 
 } // namespace
