@@ -28,6 +28,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string_view>
 
 namespace {
