@@ -151,6 +151,7 @@ int run(QApplication& app, SingleInstance& instance, const QString& firstAction)
     islands.show(coordinator.overlay().model(), machine.workspace());
     MenuModel menu(machine.loop(), coordinator, machine.workspace(), machine.windows());
     TrayMenu menuWindow(machine.loop(), menu);
+    menuWindow.onGone = releaseMemory;
     TrayIcon tray(machine.loop(), coordinator.monitor().snapshot(), coordinator.settings());
     menu.onQuit = [&app] { app.quit(); };
     tray.onClick = [&menuWindow](std::optional<QRect> icon) { menuWindow.toggle(icon); };

@@ -109,11 +109,20 @@ void MenuWindow::setContent(const MenuContent& content) {
     orderFocus();
 }
 
+// Whoever has the menu read out hears its parts in the order in which they stand.
+void MenuWindow::orderParts() {
+    heading_->raise();
+    devices_.raise();
+}
+
 void MenuWindow::setTiles(const std::vector<HealthTile>& tiles) {
     tiles_.resize(std::min(tiles_.size(), tiles.size()));
     while (tiles_.size() < tiles.size()) {
         tiles_.push_back(std::make_unique<TileView>(context_, body_));
         tiles_.back()->show();
+        if (attention_)
+            attention_->raise();
+        orderParts();
     }
     for (std::size_t i = 0; i < tiles.size(); ++i)
         tiles_[i]->setTile(tiles[i]);
@@ -127,6 +136,7 @@ void MenuWindow::setAttention(const std::optional<std::string>& text) {
     if (!attention_) {
         attention_ = std::make_unique<AttentionView>(context_, body_);
         attention_->show();
+        orderParts();
     }
     attention_->setText(*text);
 }

@@ -49,6 +49,7 @@ protected:
 
 private:
     void wire();
+    void orderParts();
     void setTiles(const std::vector<HealthTile>& tiles);
     void setAttention(const std::optional<std::string>& text);
     void layOut();

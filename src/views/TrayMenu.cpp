@@ -74,8 +74,12 @@ void TrayMenu::dropWindow() {
     window_->onResize = nullptr;
     window_->onFocusLost = nullptr;
     window_->hide();
-    loop_.post([dying = std::shared_ptr<MenuWindow>(std::move(window_))]() mutable { dying.reset(); });
     symbols_.clear();
+    loop_.post([dying = std::shared_ptr<MenuWindow>(std::move(window_)), done = onGone]() mutable {
+        dying.reset();
+        if (done)
+            done();
+    });
 }
 
 void TrayMenu::place() {

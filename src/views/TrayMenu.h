@@ -7,6 +7,7 @@
 
 #include <QRect>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -22,6 +23,10 @@ public:
     // `icon`: where the icon stands, or the click; absent when nobody knows.
     void toggle(std::optional<QRect> icon);
     void open(std::optional<QRect> icon);
+
+    // Callbacks out
+    // The window is gone, with all that it held.
+    std::function<void()> onGone;
 
 private:
     void follow();

@@ -247,6 +247,10 @@ TEST_F(MenuWindowTest, IsReadByAssistiveTechnologies) {
         const QStringList names = shown->actionInterface()->actionNames();
         EXPECT_TRUE(!row.action || names.contains(QString::fromUtf8(row.action)));
     }
+    QStringList order;
+    for (QObject* child : part("Laptop")->parentWidget()->children())
+        order << static_cast<QWidget*>(child)->accessibleName().section(QLatin1Char(','), 0, 0);
+    EXPECT_EQ(order.join(QLatin1Char(';')).toStdString(), "Laptop;mAh;Cycles;Watts;Status;Devices 1;Devices");
     EXPECT_FALSE(QAccessible::queryAccessibleInterface(part("Sounds"))->state().checked);
     EXPECT_TRUE(QAccessible::queryAccessibleInterface(part("On-screen"))->state().checked);
     QAccessible::queryAccessibleInterface(part("Phone 0"))->actionInterface()->doAction("Forget Phone 0");
