@@ -34,6 +34,8 @@ class MenuDriver(KivoTest):
         self.addCleanup(kivo.quit)
         if how.get('tray', True):
             kivo.await_level(79)
+            wait_for('the icon in the panel',
+                     lambda: self.desktop.screenshot().part(0, 0, 32, 32).where(near(CHARGING, 30))[1] > 20, 20)
         return kivo
 
     def xdotool(self, *words):
@@ -56,14 +58,15 @@ class MenuDriver(KivoTest):
         return None
 
     def await_menu(self):
-        box = wait_for('the menu', self.menu, 10)
+        box = wait_for('the menu', self.menu, 20)
         # Painted, with the level's bar in it.
         wait_for('the menu in its colours', lambda: self.desktop.screenshot().part(*box).where(
-            near(CHARGING, 24))[1] > 1500, 10)
+            near(CHARGING, 24))[1] > 1500, 20)
+        wait_for('the focus', lambda: self.xdotool('getwindowfocus', 'getwindowname').strip() == 'Kivo', 20)
         return box
 
     def await_no_menu(self):
-        wait_for('the menu to close', lambda: self.menu() is None, 10)
+        wait_for('the menu to close', lambda: self.menu() is None, 20)
 
     def assertStaysClosed(self, seconds=0.8):
         end = time.monotonic() + seconds
@@ -126,7 +129,8 @@ class MenuTest(MenuDriver):
         wait_for('the sounds to be off', lambda: self.stored(kivo)['alertSettings.v2'].get('playsSound') is False, 10)
         self.key('ctrl+comma')
         self.await_no_menu()
-        wait_for('the settings', lambda: self.xdotool('search', '--onlyvisible', '--class', 'kivo').split(), 10)
+        # It takes the focus when it comes: only then does the menu keep it.
+        wait_for('the settings', lambda: 'Settings' in self.xdotool('getwindowfocus', 'getwindowname'), 20)
         self.click()
         self.await_menu()
         self.key('ctrl+q')
