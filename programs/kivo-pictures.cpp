@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QImage>
+#include <QLoggingCategory>
 #include <QPainterPath>
 
 #include <cstdio>
@@ -350,6 +351,8 @@ void paintIsland(const QDir& folder) {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The platform without a display says at each call what it cannot do.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
     QApplication app(argc, argv);
     if (argc != 2) {
         std::fputs("usage: kivo-pictures FOLDER\n", stderr);

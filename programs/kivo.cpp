@@ -6,6 +6,7 @@
 #include "linux/SingleInstance.h"
 #include "linux/base/LinuxTexts.h"
 #include "platform/Workspace.h"
+#include "views/IntroductionWindow.h"
 #include "views/LayerSurface.h"
 #include "views/NotifiedIslands.h"
 #include "views/OverlayChoice.h"
@@ -91,6 +92,12 @@ void addWindows(AppWindows& windows, LinuxMachine& machine, AppCoordinator& coor
                                                      machine.workspace(), windows);
         return std::make_unique<SettingsWindow>(machine.loop(), machine.workspace(), std::move(model),
                                                 applicationIcon);
+    });
+    windows.add("onboarding", [&] {
+        auto model =
+            std::make_unique<IntroductionModel>(machine.loop(), coordinator, machine.standardDefaults());
+        model->onboarding().onFinish = [&windows] { windows.close("onboarding"); };
+        return std::make_unique<IntroductionWindow>(machine.loop(), machine.workspace(), std::move(model));
     });
     windows.onGone = releaseMemory;
 }

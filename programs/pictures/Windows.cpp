@@ -5,10 +5,10 @@
 #include "linux/base/LinuxTexts.h"
 #include "simulated/SimulatedMachine.h"
 #include "support/Text.h"
+#include "views/IntroductionWindow.h"
 #include "views/SettingsWindow.h"
 
 #include <QApplication>
-#include <QLoggingCategory>
 #include <QPainter>
 #include <QPalette>
 
@@ -39,6 +39,25 @@ TextCatalogue spanish() {
         {"Test", "Probar la alerta"},
         {"Delete", "Eliminar esta alerta"},
         {"Add alert", "Añadir una alerta nueva"},
+        {"Your battery, no surprises", "Tu batería, sin ninguna sorpresa desagradable"},
+        {"Kivo lets you know right when it matters: when you plug in, while you charge, and before you run "
+         "out. "
+         "It looks after your AirPods, iPhone and accessories too.",
+         "Kivo te avisa justo cuando importa: al enchufar el cargador, mientras se carga y antes de que te "
+         "quedes "
+         "sin batería. También cuida de tus auriculares, de tu teléfono y de todos tus accesorios."},
+        {"Get Started", "Empezar ahora mismo"},
+        {"Continue", "Continuar con lo siguiente"},
+        {"Back", "Volver atrás"},
+        {"When you plug in or unplug the charger", "Cuando enchufas o desenchufas el cargador del ordenador"},
+        {"When your AirPods or accessories run low",
+         "Cuando a tus auriculares o accesorios les queda poca batería"},
+        {"See what an alert looks like", "Mira cómo es una alerta de verdad"},
+        {"Turn On", "Activar ahora"},
+        {"Open Kivo at login", "Abrir Kivo al iniciar la sesión de usuario"},
+        {"Compact", "Compacto"},
+        {"Icon + %", "Icono y porcentaje"},
+        {"% only", "Solo porcentaje"},
     };
 }
 
@@ -46,6 +65,10 @@ constexpr const char* laptop = R"({
     "computerName": "Framework 13", "reduceMotion": true,
     "powerSources": [{"Type": "InternalBattery", "Current Capacity": 64, "Max Capacity": 100,
                       "Power Source State": "AC Power", "Is Charging": true, "Time to Full Charge": 52}],
+    "accessorySources": [{"Type": "Accessory Source", "Name": "MX Master 3S", "Accessory Identifier": "m",
+                          "Current Capacity": 11},
+                         {"Type": "Accessory Source", "Name": "Ada’s AirPods Pro", "Accessory Identifier": "a",
+                          "Current Capacity": 75}],
     "processes": [{"pid": 10, "name": "Web", "energy": 0}, {"pid": 20, "name": "Terminal", "energy": 0},
                   {"pid": 30, "name": "Builder", "energy": 0}, {"pid": 40, "name": "indexer", "energy": 0},
                   {"pid": 50, "name": "Music", "energy": 0}],
@@ -111,11 +134,34 @@ void paintSettings(const QDir& folder, const Shot& shot, bool isDark, double sca
                                 .arg(shot.name, isDark ? "dark" : "light", QString::number(scale), language)));
 }
 
+void paintIntroduction(const QDir& folder, OnboardingStep step, QSize size, bool isDark, double scale,
+                       const char* suffix) {
+    SimulatedMachine machine(laptop);
+    AppDelegate delegate(machine);
+    delegate.applicationDidFinishLaunching();
+    machine.virtualLoop().runPosted();
+    auto model =
+        std::make_unique<IntroductionModel>(machine.loop(), delegate.coordinator(), machine.standardDefaults());
+    while (model->onboarding().step().get() != step)
+        model->onboarding().next();
+    IntroductionWindow window(machine.loop(), machine.workspace(), std::move(model));
+    photograph(window, size, scale)
+        .save(folder.filePath(QStringLiteral("introduction-%1-%2-%3%4.png")
+                                  .arg(QString::number(static_cast<int>(step) + 1), isDark ? "dark" : "light",
+                                       QString::number(scale), suffix)));
+}
+
+void paintIntroductions(const QDir& folder, bool isDark, const char* suffix) {
+    for (const auto& step : onboardingSteps) {
+        for (const double scale : {1.0, 2.0})
+            paintIntroduction(folder, step.value, {620, 560}, isDark, scale, suffix);
+        paintIntroduction(folder, step.value, {400, 480}, isDark, 1, (std::string(suffix) + "-narrow").c_str());
+    }
+}
+
 } // namespace
 
 void paintWindows(const QDir& folder) {
-    // The platform without a display says at each call what it cannot do.
-    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
     const QPalette before = QApplication::palette();
     installTextCatalogue(linuxTexts());
     const std::vector<Shot> shots{{"alerts", SettingsTab::alerts},
@@ -132,11 +178,13 @@ void paintWindows(const QDir& folder) {
             for (const double scale : {1.0, 2.0})
                 paintSettings(folder, shot, isDark, scale, "");
         }
+        paintIntroductions(folder, isDark, "");
     }
     QApplication::setPalette(desktopPalette(false));
     installTextCatalogue(spanish());
     for (const Shot& shot : shots)
         paintSettings(folder, shot, false, 1, "-long");
+    paintIntroductions(folder, false, "-long");
     installTextCatalogue({});
     QApplication::setPalette(before);
 }

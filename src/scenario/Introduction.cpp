@@ -79,6 +79,10 @@ PropertyValue permission(const OnboardingContent::Permission& value) {
                       {"isGranted", value.isGranted}};
 }
 
+PropertyValue deviceName(const OnboardingContent::Device& value) {
+    return value.name;
+}
+
 PropertyValue style(const OnboardingContent::Style& value) {
     return Dictionary{{"style", menuBarStyles.name(value.style)}, {"title", value.title}};
 }
@@ -107,7 +111,7 @@ PropertyValue page(const OnboardingContent& content) {
         {"header", Dictionary{{"title", content.title}, {"message", content.message}}},
         {"switches", shownOn(OnboardingStep::alerts, list(content.switches, ruleSwitch))},
         {"lowBattery", lowBattery},
-        {"devices", shownOn(OnboardingStep::devices, Array(content.devices.begin(), content.devices.end()))},
+        {"devices", shownOn(OnboardingStep::devices, list(content.devices, deviceName))},
         {"box", content.box ? box(*content.box) : PropertyValue()},
         {"permissions", shownOn(OnboardingStep::permissions, list(content.permissions, permission))},
         {"styles", shownOn(OnboardingStep::done, list(content.styles, style))},

@@ -2,6 +2,7 @@
 #include "ui/Onboarding.h"
 
 #include "app/AppCoordinator.h"
+#include "core/AlertDisplay.h"
 #include "platform/UserDefaults.h"
 #include "support/Text.h"
 #include "ui/AlertsPane.h"
@@ -15,32 +16,41 @@ namespace {
 
 using Kind = AlertTrigger::Kind;
 
+// Of the preview on a computer without a battery.
+constexpr std::int64_t sampleLevel = 64;
+
 // A switch of the alerts page and the rules that it stands for.
 struct RuleSwitch {
     std::string_view title;
     std::string_view symbol;
+    AlertTint tint;
     bool (*covers)(const AlertTrigger&);
 };
 constexpr std::array ruleSwitches{
-    RuleSwitch{"When you plug in or unplug the charger", "bolt.fill",
+    RuleSwitch{"When you plug in or unplug the charger", "bolt.fill", AlertTint::green,
                [](const AlertTrigger& trigger) {
                    return trigger.kind == Kind::pluggedIn || trigger.kind == Kind::unplugged;
                }},
-    RuleSwitch{"At 80%, to protect your battery", "leaf.fill",
+    RuleSwitch{"At 80%, to protect your battery", "leaf.fill", AlertTint::mint,
                [](const AlertTrigger& trigger) {
                    return trigger == AlertTrigger{Kind::macReached, 80};
                }},
-    RuleSwitch{"When charging is done", "checkmark.circle.fill",
+    RuleSwitch{"When charging is done", "checkmark.circle.fill", AlertTint::green,
                [](const AlertTrigger& trigger) {
                    return trigger == AlertTrigger{Kind::macReached, 100};
                }},
-    RuleSwitch{"When your AirPods or accessories run low", "airpodspro",
+    RuleSwitch{"When your AirPods or accessories run low", "airpodspro", AlertTint::blue,
                [](const AlertTrigger& trigger) { return trigger.kind == Kind::deviceBelow; }},
 };
 
 constexpr std::string_view openAtLogin = "Open Kivo at login";
 constexpr std::string_view systemNotifications = "System notifications";
 constexpr std::string_view closePopUps = "Close macOS battery pop-ups";
+
+// Never of `auto_`, which has none.
+Color tintColor(AlertTint tint) {
+    return color(tint).value_or(Color{});
+}
 
 bool isOn(const RuleSwitch& ruleSwitch, const AlertSettings& settings) {
     return std::any_of(settings.rules.begin(), settings.rules.end(), [&](const AlertRule& rule) {
@@ -53,6 +63,17 @@ template <typename Rules>
 auto lowBatteryRule(Rules& rules) {
     return std::find_if(rules.begin(), rules.end(),
                         [](const AlertRule& rule) { return rule.trigger.kind == Kind::macBelow; });
+}
+
+OnboardingContent::LowBattery lowBattery(const AlertSettings& settings) {
+    const auto range = thresholdRange(Kind::macBelow);
+    OnboardingContent::LowBattery row{.title = localized("Low battery at"),
+                                      .minimum = range->minimum,
+                                      .maximum = range->maximum,
+                                      .symbol = "battery.25percent"};
+    if (const auto rule = lowBatteryRule(settings.rules); rule != settings.rules.end())
+        row.threshold = rule->trigger.threshold;
+    return row;
 }
 
 std::string foundText(std::size_t count) {
@@ -71,6 +92,10 @@ void Onboarding::next() {
         step_.set(static_cast<OnboardingStep>(static_cast<int>(step_.get()) + 1));
         return;
     }
+    finish();
+}
+
+void Onboarding::finish() {
     defaults_.set("onboarding.completed.v1", true);
     if (onFinish)
         onFinish();
@@ -143,6 +168,7 @@ OnboardingContent Onboarding::content() const {
         localized("Step %lld of %lld", {static_cast<std::int64_t>(step) + 1,
                                         static_cast<std::int64_t>(onboardingSteps.entries.size())});
     content.hasBack = step != OnboardingStep::welcome;
+    content.back = localized("Back");
     content.primary = localized(step == OnboardingStep::welcome ? "Get Started"
                                 : step == OnboardingStep::done  ? "Done"
                                                                 : "Continue");
@@ -164,16 +190,16 @@ void Onboarding::fillPage(OnboardingContent& content) const {
         content.message =
             localized("The most useful ones are already on. Tweak anything you like, or just keep going.");
         for (const auto& each : ruleSwitches)
-            content.switches.push_back({localized(each.title), std::string(each.symbol), isOn(each, settings)});
-        content.lowBattery = OnboardingContent::LowBattery{.title = localized("Low battery at")};
-        if (const auto rule = lowBatteryRule(settings.rules); rule != settings.rules.end())
-            content.lowBattery->threshold = rule->trigger.threshold;
+            content.switches.push_back({localized(each.title), std::string(each.symbol), isOn(each, settings),
+                                        tintColor(each.tint), std::string(each.title)});
+        content.lowBattery = lowBattery(settings);
+        content.trial = OnboardingContent::Trial{localized("See what an alert looks like"), "play.fill"};
         break;
     }
     case OnboardingStep::devices:
         content.title = localized("All your batteries, together");
         for (const auto& device : coordinator_.devices().devices().get())
-            content.devices.push_back(device.name);
+            content.devices.push_back({device.name, std::string(symbol(device))});
         content.message = foundText(content.devices.size());
         content.box = OnboardingContent::Box{
             localized("Have an iPhone or iPad?"),
@@ -187,6 +213,8 @@ void Onboarding::fillPage(OnboardingContent& content) const {
         content.title = localized("A few finishing touches");
         content.message = localized("Everything here is optional, and you can change it later in Settings.");
         fillPermissions(content);
+        content.turnOn = localized("Turn On");
+        content.granted = localized("Done");
         break;
     case OnboardingStep::done:
         content.title = localized("All set, Kivo has your back");
@@ -194,23 +222,31 @@ void Onboarding::fillPage(OnboardingContent& content) const {
         content.styles = {{MenuBarStyle::compact, localized("Compact")},
                           {MenuBarStyle::glyphAndPercent, localized("Icon + %")},
                           {MenuBarStyle::percentOnly, localized("% only")}};
+        content.stylesTitle = localized("Style");
+        content.selectedStyle = settings.menuBarStyle;
+        content.preview = menuBarLabel(
+            coordinator_.monitor().snapshot().get().value_or(BatterySnapshot{.level = sampleLevel}),
+            settings.menuBarStyle);
         content.tip = localized("Tip: in Settings, **Try** shows you any alert right away.");
         break;
     }
 }
 
 void Onboarding::fillPermissions(OnboardingContent& content) const {
-    content.permissions = {
-        {localized(openAtLogin), localized("Recommended: if Kivo isn't running, it can't warn you."), "power",
-         coordinator_.loginItem().isEnabled().get()},
-        {localized(systemNotifications), localized("So important alerts also stay in Notification Center."),
-         "bell.badge", coordinator_.notifier().isAuthorized().get()},
-        {localized(closePopUps),
-         localized("Kivo already lets you know, so the macOS pop-up won't interrupt you. Needs Accessibility "
-                   "permission."),
-         "bell.slash",
-         coordinator_.settings().value().dismissesSystemAlerts && coordinator_.dismisser().isTrusted().get()},
+    const auto add = [&](std::string_view title, std::string_view detail, std::string symbol, bool isGranted,
+                         AlertTint tint) {
+        content.permissions.push_back({localized(title), localized(detail), std::move(symbol), isGranted,
+                                       tintColor(tint), std::string(title)});
     };
+    add(openAtLogin, "Recommended: if Kivo isn't running, it can't warn you.", "power",
+        coordinator_.loginItem().isEnabled().get(), AlertTint::blue);
+    add(systemNotifications, "So important alerts also stay in Notification Center.", "bell.badge",
+        coordinator_.notifier().isAuthorized().get(), AlertTint::red);
+    add(closePopUps,
+        "Kivo already lets you know, so the macOS pop-up won't interrupt you. Needs Accessibility permission.",
+        "bell.slash",
+        coordinator_.settings().value().dismissesSystemAlerts && coordinator_.dismisser().isTrusted().get(),
+        AlertTint::purple);
 }
 
 } // namespace kivo

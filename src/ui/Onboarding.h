@@ -2,8 +2,10 @@
 #pragma once
 
 #include "core/AlertSettings.h"
+#include "support/Color.h"
 #include "support/EnumTable.h"
 #include "support/Observable.h"
+#include "ui/MenuBarLabel.h"
 
 #include <cstdint>
 #include <functional>
@@ -33,12 +35,22 @@ struct OnboardingContent {
         std::string title;
         std::string symbol;
         bool isOn = false;
+        Color tint;       // of the symbol
+        std::string name; // for `setSwitch`
         bool operator==(const Switch&) const = default;
     };
     struct LowBattery {
         std::string title;
         std::optional<std::int64_t> threshold; // percent; absent when no rule has one
+        std::int64_t minimum = 0;              // what can be chosen
+        std::int64_t maximum = 0;
+        std::string symbol;
         bool operator==(const LowBattery&) const = default;
+    };
+    struct Device {
+        std::string name;
+        std::string symbol;
+        bool operator==(const Device&) const = default;
     };
     struct Box {
         std::string title;
@@ -51,6 +63,8 @@ struct OnboardingContent {
         std::string detail;
         std::string symbol;
         bool isGranted = false;
+        Color tint;       // of the symbol
+        std::string name; // for `grant`
         bool operator==(const Permission&) const = default;
     };
     struct Style {
@@ -58,19 +72,31 @@ struct OnboardingContent {
         std::string title;
         bool operator==(const Style&) const = default;
     };
+    struct Trial {
+        std::string title;
+        std::string symbol;
+        bool operator==(const Trial&) const = default;
+    };
 
     OnboardingStep step = OnboardingStep::welcome;
     std::string progress;
     bool hasBack = false;
+    std::string back;
     std::string primary;
     std::string title;
     std::string message;
     std::vector<Switch> switches;
     std::optional<LowBattery> lowBattery;
-    std::vector<std::string> devices;
+    std::optional<Trial> trial; // the button that shows an alert
+    std::vector<Device> devices;
     std::optional<Box> box;
     std::vector<Permission> permissions;
+    std::string turnOn;  // a permission's button
+    std::string granted; // what stands in its place
+    std::string stylesTitle;
     std::vector<Style> styles;
+    MenuBarStyle selectedStyle = MenuBarStyle::compact;
+    MenuBarLabel preview; // of the computer's battery in that style, or of a sample without one
     std::optional<std::string> tip;
     bool operator==(const OnboardingContent&) const = default;
 };
@@ -86,6 +112,8 @@ public:
     void restart() { step_.set(OnboardingStep::welcome); }
     // One page on; finishes on the last one.
     void next();
+    // Notes that it was seen, from any page; also when its window is closed.
+    void finish();
     // One page back; nothing on the first one.
     void back();
     // Switches and permissions by their English titles; others do nothing.

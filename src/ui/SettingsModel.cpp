@@ -23,37 +23,22 @@ SettingsTab selectedTab(UserDefaults& defaults) {
 
 SettingsModel::SettingsModel(MainLoop& loop, AppCoordinator& coordinator, UserDefaults& defaults,
                              Workspace& workspace, Windows& windows)
-    : loop_(loop),
-      coordinator_(coordinator),
+    : coordinator_(coordinator),
       defaults_(defaults),
       workspace_(workspace),
       windows_(windows),
-      alerts_(coordinator) {
-    follow();
-}
-
-void SettingsModel::follow() {
-    const auto changed = [this] { changeSoon(); };
-    changes_.push_back(coordinator_.settings().onChange(changed));
-    changes_.push_back(coordinator_.monitor().snapshot().onChange(changed));
-    changes_.push_back(coordinator_.energy().now().onChange(changed));
-    changes_.push_back(coordinator_.energy().ledger().onChange(changed));
-    changes_.push_back(coordinator_.notifier().isAuthorized().onChange(changed));
-    changes_.push_back(coordinator_.dismisser().isTrusted().onChange(changed));
-    changes_.push_back(coordinator_.loginItem().isEnabled().onChange(changed));
-    changes_.push_back(coordinator_.loginItem().errorMessage().onChange(changed));
-    if (auto* updater = coordinator_.updater())
-        changes_.push_back(updater->canCheckForUpdates().onChange(changed));
-}
-
-void SettingsModel::changeSoon() {
-    if (std::exchange(isChangeDue_, true))
-        return;
-    loop_.post(lifetime_.guard([this] {
-        isChangeDue_ = false;
-        if (onChange)
-            onChange();
-    }));
+      alerts_(coordinator),
+      watch_(loop) {
+    watch_.follow(coordinator.settings());
+    watch_.follow(coordinator.monitor().snapshot());
+    watch_.follow(coordinator.energy().now());
+    watch_.follow(coordinator.energy().ledger());
+    watch_.follow(coordinator.notifier().isAuthorized());
+    watch_.follow(coordinator.dismisser().isTrusted());
+    watch_.follow(coordinator.loginItem().isEnabled());
+    watch_.follow(coordinator.loginItem().errorMessage());
+    if (auto* updater = coordinator.updater())
+        watch_.follow(updater->canCheckForUpdates());
 }
 
 void SettingsModel::refresh() {
@@ -74,12 +59,12 @@ void SettingsModel::select(SettingsTab tab) {
 
 void SettingsModel::setEnergyWindow(EnergyMonitor::Window window) {
     energyWindow_ = window;
-    changeSoon();
+    watch_.tellSoon();
 }
 
 void SettingsModel::setShowsApps(bool showsApps) {
     showsApps_ = showsApps;
-    changeSoon();
+    watch_.tellSoon();
 }
 
 EnergyPaneContent SettingsModel::energy() const {
@@ -121,13 +106,13 @@ void SettingsModel::setDismissesSystemAlerts(bool isOn) {
 void SettingsModel::setOpensAtLogin(bool isOn) {
     coordinator_.loginItem().setEnabled(isOn);
     // Where it failed nothing has changed, but the switch has moved.
-    changeSoon();
+    watch_.tellSoon();
 }
 
 void SettingsModel::setUpdatesAutomatically(bool isOn) {
     if (auto* updater = coordinator_.updater())
         updater->setAutomaticallyChecksForUpdates(isOn);
-    changeSoon();
+    watch_.tellSoon();
 }
 
 void SettingsModel::checkForUpdates() {

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/Lifetime.h"
-#include "support/MainLoop.h"
 #include "ui/AlertsPane.h"
+#include "ui/ChangeWatch.h"
 #include "ui/EnergyPane.h"
 #include "ui/SettingsContent.h"
 #include "ui/SettingsTexts.h"
 
-#include <vector>
+#include <functional>
 
 namespace kivo {
 
@@ -56,18 +55,13 @@ public:
     MenuBarPaneContent menuBar() const;
     GeneralPaneContent general() const;
 
-    // Callbacks out
-    // Something that a tab shows has changed, whoever changed it: once for all that happens in one turn of the
-    // loop.
-    std::function<void()> onChange;
+    // Something that a tab shows has changed, whoever changed it.
+    void setOnChange(std::function<void()> listener) { watch_.onChange = std::move(listener); }
 
 private:
-    void follow();
-    void changeSoon();
     template <typename Change>
     void change(Change change);
 
-    MainLoop& loop_;
     AppCoordinator& coordinator_;
     UserDefaults& defaults_;
     Workspace& workspace_;
@@ -75,9 +69,7 @@ private:
     AlertsPane alerts_;
     EnergyMonitor::Window energyWindow_ = EnergyMonitor::Window::day;
     bool showsApps_ = true;
-    bool isChangeDue_ = false;
-    std::vector<Subscription> changes_;
-    Lifetime lifetime_;
+    ChangeWatch watch_;
 };
 
 } // namespace kivo

@@ -26,6 +26,7 @@ QPalette paletteOf(const Surface& surface) {
     palette.setColor(QPalette::Text, surface.ink);
     palette.setColor(QPalette::PlaceholderText, surface.secondary);
     palette.setColor(QPalette::Mid, surface.tertiary);
+    palette.setColor(QPalette::Link, readable(surface.accent, surface.card));
     palette.setColor(QPalette::LinkVisited, readable(toQColor(Color{255, 59, 48}), surface.card)); // errors
     palette.setColor(QPalette::Highlight, surface.accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);

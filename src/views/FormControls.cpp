@@ -82,6 +82,10 @@ QSize FormButton::sizeHint() const {
             std::max(buttonHeight, metrics.height() + 8) + 2 * focusRoom};
 }
 
+QSize FormButton::minimumSizeHint() const {
+    return sizeHint().boundedTo({110, 1000});
+}
+
 QColor FormButton::ink() const {
     const Surface surface = surfaceFor(palette());
     switch (kind_) {
@@ -131,8 +135,8 @@ void FormButton::paintEvent(QPaintEvent* /*event*/) {
     scaleAround(painter, body, shrunk(pressed_));
     paintBody(painter, body);
 
-    const double text = textWidth(this->text(), font());
     const double lead = symbol_.empty() ? 0 : symbolSide + symbolGap;
+    const double text = std::min(textWidth(this->text(), font()), body.width() - lead - (hasBody() ? 16 : 0));
     const double left = body.center().x() - (lead + text) / 2;
     if (lead > 0)
         paintSymbol(painter, {left, body.center().y() - symbolSide / 2, symbolSide, symbolSide}, ink());

@@ -30,7 +30,7 @@ public:
     FormButton(Kit& kit, Kind kind, const std::string& text, std::string symbol = {});
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override; // shortened text
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -25,6 +25,7 @@ public:
     Moving(Kit& kit, QWidget& control, double value = 0);
 
     double value() const { return value_.value(kit_.loop.now()); }
+    bool hasArrived() const { return kit_.loop.now() >= value_.settlesAt(); }
     void set(double value);
     // At once while the control is not on screen or moving things are to be avoided.
     void go(double target, const Animation& animation);

@@ -58,11 +58,11 @@ SettingsWindow::SettingsWindow(MainLoop& loop, Workspace& workspace, std::unique
     }
     showTab(model_->tab());
     strip_->setFocus();
-    model_->onChange = [this] { tab_->refresh(); };
+    model_->setOnChange([this] { tab_->refresh(); });
 }
 
 SettingsWindow::~SettingsWindow() {
-    model_->onChange = nullptr;
+    model_->setOnChange(nullptr);
     delete takeCentralWidget();
 }
 
