@@ -259,7 +259,8 @@ void MenuWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 void MenuWindow::closeEvent(QCloseEvent* event) {
-    event->ignore();
+    // A window that refused would keep the whole application from ending.
+    event->accept();
     if (onClose)
         onClose();
 }
