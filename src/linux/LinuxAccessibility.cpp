@@ -43,7 +43,7 @@ public:
             if (!known)
                 continue;
             found_ = std::move(application);
-            windowsArePopUps_ = known->windowsArePopUps;
+            form_ = known->form;
             return found_.pid;
         }
         return std::nullopt;
@@ -53,7 +53,7 @@ public:
         if (found_.pid != pid)
             return nullptr;
         auto source = std::make_shared<AtSpiSource>(connection_, found_.name);
-        auto element = readAccessibleTree(std::move(source), found_.root, windowsArePopUps_);
+        auto element = readAccessibleTree(std::move(source), found_.root, form_);
         connection_->setDeadline(Deadline::in(longestTexts));
         return element;
     }
@@ -62,7 +62,7 @@ private:
     std::string address_;
     std::shared_ptr<AtSpiConnection> connection_;
     AtSpiConnection::Application found_;
-    bool windowsArePopUps_ = false;
+    PopUpForm form_;
 };
 
 } // namespace

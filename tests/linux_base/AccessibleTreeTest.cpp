@@ -12,10 +12,11 @@
 namespace kivo {
 namespace {
 
+using Place = PopUpForm::Place;
 using Kind = AccessibleQuestion::Kind;
 using Elements = std::vector<std::shared_ptr<AccessibilityElement>>;
-constexpr std::uint32_t alert = 2, dialog = 16, filler = 20, frame = 23, icon = 26, label = 29, button = 43,
-                        entry = 79, notification = 101;
+constexpr std::uint32_t alert = 2, dialog = 16, filler = 20, frame = 23, icon = 26, label = 29, list = 31,
+                        button = 43, entry = 79, notification = 101;
 
 // An application made of objects; those that are not listed are gone.
 struct Source : AccessibleSource {
@@ -74,8 +75,8 @@ struct Source : AccessibleSource {
 };
 
 struct AccessibleTreeTest : testing::Test {
-    Elements windows(bool windowsArePopUps = true, const AccessibleLimits& limits = {}) {
-        root = readAccessibleTree(source, "/root", windowsArePopUps, limits);
+    Elements windows(const PopUpForm& form = {Place::windows, {}}, const AccessibleLimits& limits = {}) {
+        root = readAccessibleTree(source, "/root", form, limits);
         return root->elements("AXWindows");
     }
     static std::string text(AccessibilityElement& element, std::string_view attribute) {
@@ -116,7 +117,7 @@ TEST_F(AccessibleTreeTest, aPopUpOffersWhatItsButtonsAreCalled) {
     EXPECT_FALSE(popUp->perform("Later")) << "a button that cannot be pressed";
     EXPECT_FALSE(popUp->perform("OK")) << "the inner pop-up's";
     EXPECT_EQ(source->performed, (Names{"/dialog 0", "/close 1"}));
-    const auto close = popUp->elements("AXChildren").at(0)->elements("AXChildren").at(0);
+    const auto close = popUp->elements("AXChildren").at(1);
     EXPECT_EQ(close->actionNames(), (Names{"SetFocus", "Press", "Close"}));
     EXPECT_TRUE(window->elements("AXChildren").at(1)->actionNames().empty());
     objects.erase("/close");
@@ -132,18 +133,45 @@ TEST_F(AccessibleTreeTest, aWindowIsAPopUpOnlyWhereTheProgramShowsOneInEach) {
                {"/b", close()},
                {"/c", close()},
                {"/d", {.role = button, .name = "Open", .actions = {"click"}}}};
-    EXPECT_EQ(windows(true).at(0)->actionNames(), Names{"Close"});
+    EXPECT_EQ(windows().at(0)->actionNames(), Names{"Close"});
     EXPECT_EQ(root->elements("AXWindows").at(1)->actionNames(), Names{"Open"})
         << "which of the two would it be?";
-    EXPECT_TRUE(windows(false).at(0)->actionNames().empty());
+    EXPECT_TRUE(windows({}).at(0)->actionNames().empty());
     objects["/two"].role = alert;
-    EXPECT_EQ(windows(false).at(1)->actionNames(), (Names{"Close", "Open"})) << "either closes this one";
+    EXPECT_EQ(windows({}).at(1)->actionNames(), (Names{"Close", "Open"})) << "either closes this one";
+}
+
+TEST_F(AccessibleTreeTest, aCloseButtonWithAnotherNameIsKnownByTheForm) {
+    const auto named = [](const char* name) {
+        return Source::Object{.role = button, .name = name, .actions = {"Press"}};
+    };
+    objects = {{"/root", {.children = {"/window"}}},
+               {"/window", {.role = frame, .children = {"/one", "/two"}}},
+               {"/one", {.role = filler, .children = {"/x1", "/open"}}},
+               {"/x1", named("x")},
+               {"/open", named("Open")},
+               {"/two", {.role = filler, .children = {"/x2", "/x3"}}},
+               {"/x2", named("x")},
+               {"/x3", named("x")}};
+    const auto boxes = windows({Place::aroundCloseButton, "x"}).at(0)->elements("AXChildren");
+    EXPECT_EQ(boxes.at(0)->actionNames(), (Names{"Close", "Open"}));
+    EXPECT_TRUE(boxes.at(0)->perform("Close"));
+    EXPECT_EQ(source->performed, Names{"/x1 0"});
+    EXPECT_TRUE(boxes.at(1)->actionNames().empty()) << "which of the two would it be?";
+    EXPECT_TRUE(root->elements("AXWindows").at(0)->actionNames().empty());
+
+    objects = {{"/root", {.children = {"/alert"}}},
+               {"/alert", {.role = alert, .children = {"/nameless", "/open"}}},
+               {"/nameless", named("")},
+               {"/open", named("Open")}};
+    EXPECT_EQ(windows({Place::roles, ""}).at(0)->actionNames(), (Names{"Close", "Open"}));
+    EXPECT_EQ(windows({Place::roles, {}}).at(0)->actionNames(), Names{"Open"});
 }
 
 TEST_F(AccessibleTreeTest, aButtonIsOfferedSoFarUpAndNoFarther) {
     objects = {{"/root", {.children = {"/window"}}}, {"/window", {.role = frame, .children = {"/1"}}}};
     for (int level = 1; level <= 8; ++level)
-        objects["/" + std::to_string(level)] = {.role = filler, .children = {"/" + std::to_string(level + 1)}};
+        objects["/" + std::to_string(level)] = {.role = list, .children = {"/" + std::to_string(level + 1)}};
     const Source::Object close{.role = button, .name = "Close", .actions = {"click"}};
     const Source::Object plain = objects["/5"];
     objects["/5"] = close;
@@ -151,6 +179,28 @@ TEST_F(AccessibleTreeTest, aButtonIsOfferedSoFarUpAndNoFarther) {
     objects["/5"] = plain;
     objects["/6"] = close;
     EXPECT_EQ(windows().at(0)->actionNames(), Names());
+    objects["/3"].role = filler;
+    EXPECT_EQ(windows().at(0)->actionNames(), Names{"Close"}) << "a box takes no level";
+}
+
+TEST_F(AccessibleTreeTest, boxesStandBesideWhatTheyHold) {
+    objects = {{"/root", {.children = {"/window"}}},
+               {"/window", {.role = filler, .children = {"/a", "/last"}}},
+               {"/a", {.role = filler, .children = {"/b", "/list"}, .name = "named"}},
+               {"/b", {.role = filler, .children = {"/first"}}},
+               {"/first", {.role = label, .name = "first"}},
+               {"/list", {.role = list, .children = {"/c"}, .name = "list"}},
+               {"/c", {.role = filler, .children = {"/item"}, .name = "box"}},
+               {"/item", {.role = label, .name = "item"}},
+               {"/last", {.role = label, .name = "last"}}};
+    const std::function<std::string(AccessibilityElement&)> shape = [&](AccessibilityElement& element) {
+        std::string result = element.attribute("AXTitle") ? text(element, "AXTitle") : "-";
+        std::string inside;
+        for (const auto& child : element.elements("AXChildren"))
+            inside += (inside.empty() ? "" : " ") + shape(*child);
+        return inside.empty() ? result : result + "(" + inside + ")";
+    };
+    EXPECT_EQ(shape(*windows().at(0)), "-(named - first list(box item) last)") << "a window is never a box";
 }
 
 TEST_F(AccessibleTreeTest, textsComeFromWhereTheyStand) {
@@ -246,6 +296,7 @@ TEST_F(AccessibleTreeTest, aHugeTreeIsReadNearTheWindowsFirst) {
                {"/box", {.children = {"/popUp"}}},
                {"/popUp", {.role = alert, .children = {"/close"}}},
                {"/close", {.role = button, .name = "Close", .actions = {"click"}}}};
+    objects["/list"].role = list;
     for (int i = 0; i < 10000; ++i) {
         const std::string path = "/item" + std::to_string(i);
         objects["/list"].children.push_back(path);
@@ -253,20 +304,19 @@ TEST_F(AccessibleTreeTest, aHugeTreeIsReadNearTheWindowsFirst) {
         objects["/more" + std::to_string(i)] = {};
     }
     for (int i = 0; i < 1000; ++i)
-        objects["/deep" + std::to_string(i)] = {.children = {"/deep" + std::to_string(i + 1)}};
-    const auto popUp = windows(false).at(0)->elements("AXChildren").at(2)->elements("AXChildren").at(0);
+        objects["/deep" + std::to_string(i)] = {.role = list, .children = {"/deep" + std::to_string(i + 1)}};
+    const auto popUp = windows({}).at(0)->elements("AXChildren").at(3);
     EXPECT_EQ(popUp->actionNames(), Names{"Close"});
     EXPECT_LT(source->questions, 2000 * 4);
-    EXPECT_LE(count(*root->elements("AXWindows").at(0)), 3u + 2 * 256 + 18 + 2);
+    EXPECT_LE(count(*root->elements("AXWindows").at(0)), 3u + 2 * 256 + 40 + 3);
 
     source->questions = 0;
-    EXPECT_EQ(windows(false, {.elements = 20}).size(), 1u);
+    EXPECT_EQ(windows({}, {.elements = 20}).size(), 1u);
     EXPECT_LE(source->questions, 20 * 4);
 }
 
 TEST(NotificationProcesses, areKnownByTheirProgram) {
-    EXPECT_FALSE(notificationProcess("gnome-shell")->windowsArePopUps);
-    EXPECT_TRUE(notificationProcess("xfce4-notifyd")->windowsArePopUps);
+    EXPECT_EQ(notificationProcess("xfce4-notifyd")->form.place, Place::windows);
     EXPECT_FALSE(notificationProcess("gnome-shell-calendar"));
     EXPECT_FALSE(notificationProcess(""));
     EXPECT_EQ(programOfProcess(getpid()), "kivo_linux_base_tests");

@@ -30,10 +30,13 @@ enum Role : std::uint32_t {
     labelRole = 29,
     panelRole = 39,
     pushButtonRole = 43,
+    scrollPaneRole = 49,
     separatorRole = 50,
     textRole = 61,
+    viewportRole = 68,
     paragraphRole = 73,
     entryRole = 79,
+    groupingRole = 99,
     notificationRole = 101,
     infoBarRole = 102,
     staticRole = 116,
@@ -47,6 +50,10 @@ bool isPopUpRole(std::uint32_t role) {
 }
 bool isPicture(std::uint32_t role) {
     return isOneOf(role, {iconRole, imageRole});
+}
+// What only arranges others.
+bool isLayout(std::uint32_t role) {
+    return isOneOf(role, {fillerRole, panelRole, scrollPaneRole, viewportRole, groupingRole});
 }
 // What never has an action is not asked for one.
 bool mayAct(std::uint32_t role) {
@@ -117,14 +124,14 @@ public:
         }
     }
 
-    void giveButtonsToPopUps(bool windowsArePopUps) {
-        for (auto& node : tree_.nodes)
-            node.isPopUp = isPopUpRole(node.role) || (windowsArePopUps && node.level == 1);
+    void giveButtonsToPopUps(const PopUpForm& form) {
+        markPopUps(form);
+        bringLayoutsContentsUp(0);
         std::set<std::pair<std::size_t, std::string>> given;
         std::set<std::pair<std::size_t, std::string>> doubtful;
         // A button's own actions come first, then its name.
         for (std::size_t index = 0; index < tree_.nodes.size(); ++index) {
-            const auto press = pressOf(tree_.nodes[index]);
+            const auto press = pressOf(index, form);
             if (!press)
                 continue;
             tree_.nodes[index].actions.push_back(*press);
@@ -133,12 +140,15 @@ public:
                 continue;
             if (given.emplace(*popUp, press->name).second)
                 tree_.nodes[*popUp].actions.push_back(*press);
-            else if (!isPopUpRole(tree_.nodes[*popUp].role))
+            else if (form.closeButton || !isPopUpRole(tree_.nodes[*popUp].role))
                 doubtful.emplace(*popUp, press->name);
         }
-        for (const auto& [popUp, name] : doubtful)
-            std::erase_if(tree_.nodes[popUp].actions,
-                          [&name = name](const Action& action) { return action.name == name; });
+        for (const auto& [popUp, name] : doubtful) {
+            Node& node = tree_.nodes[popUp];
+            std::erase_if(node.actions, [&node, &name = name](const Action& action) {
+                return action.name == name && action.path != node.path;
+            });
+        }
     }
 
 private:
@@ -221,7 +231,7 @@ private:
 
     void take(Node& node, std::size_t index, Kind kind, const AccessibleAnswer& answer) {
         if (kind == Kind::name) {
-            if (!answer.texts.empty() && !answer.texts.front().empty())
+            if (!answer.texts.empty())
                 buttonNames_.emplace(index, answer.texts.front());
             return;
         }
@@ -230,15 +240,52 @@ private:
             node.actions.push_back({name, node.path, number++});
     }
 
+    void markPopUps(const PopUpForm& form) {
+        for (std::size_t index = 1; index < tree_.nodes.size(); ++index) {
+            Node& node = tree_.nodes[index];
+            const bool isWindow = form.place == PopUpForm::Place::windows && node.level == 1;
+            node.isPopUp = node.isPopUp || isPopUpRole(node.role) || isWindow;
+            if (form.place == PopUpForm::Place::aroundCloseButton && isCloseButton(index, form))
+                tree_.nodes[node.parent].isPopUp = true;
+        }
+    }
+
+    // Toolkits put boxes into boxes; what these hold stands beside them instead of below.
+    void bringLayoutsContentsUp(std::size_t index) {
+        std::deque<std::size_t> rest;
+        for (const auto child : std::exchange(tree_.nodes[index].children, {}))
+            rest.push_back(child);
+        while (!rest.empty()) {
+            const std::size_t child = rest.front();
+            rest.pop_front();
+            Node& node = tree_.nodes[child];
+            node.parent = index;
+            tree_.nodes[index].children.push_back(child);
+            if (isLayout(node.role) && !node.isPopUp && node.level > 1) {
+                const auto inside = std::exchange(node.children, {});
+                rest.insert(rest.begin(), inside.begin(), inside.end());
+            } else {
+                bringLayoutsContentsUp(child);
+            }
+        }
+    }
+
+    bool isCloseButton(std::size_t index, const PopUpForm& form) const {
+        const auto name = buttonNames_.find(index);
+        return form.closeButton && name != buttonNames_.end() && name->second == *form.closeButton;
+    }
+
     // The action that presses a button, under the button's name.
-    std::optional<Action> pressOf(const Node& node) const {
-        const auto name = buttonNames_.find(static_cast<std::size_t>(&node - tree_.nodes.data()));
+    std::optional<Action> pressOf(std::size_t index, const PopUpForm& form) const {
+        const auto name = buttonNames_.find(index);
         if (name == buttonNames_.end())
             return std::nullopt;
-        for (const auto& action : node.actions) {
+        const std::string label = isCloseButton(index, form) ? "Close" : name->second;
+        for (const auto& action : tree_.nodes[index].actions) {
             const std::string lower = lowercased(action.name);
-            if (std::find(pressActions.begin(), pressActions.end(), lower) != pressActions.end())
-                return Action{name->second, node.path, action.number};
+            if (!label.empty() &&
+                std::find(pressActions.begin(), pressActions.end(), lower) != pressActions.end())
+                return Action{label, action.path, action.number};
         }
         return std::nullopt;
     }
@@ -330,13 +377,13 @@ private:
 } // namespace
 
 std::shared_ptr<AccessibilityElement> readAccessibleTree(std::shared_ptr<AccessibleSource> source,
-                                                         const std::string& root, bool windowsArePopUps,
+                                                         const std::string& root, const PopUpForm& form,
                                                          const AccessibleLimits& limits) {
     auto tree = std::make_shared<Tree>();
     tree->source = std::move(source);
     TreeReader reader(*tree, limits);
     reader.read(root);
-    reader.giveButtonsToPopUps(windowsArePopUps);
+    reader.giveButtonsToPopUps(form);
     return std::make_shared<TreeElement>(std::move(tree), 0);
 }
 

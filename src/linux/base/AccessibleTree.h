@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,7 +16,21 @@ namespace kivo {
 struct AccessibleLimits {
     std::size_t elements = 2000;
     std::size_t children = 256; // of one element
-    int levels = 19;            // the windows are the first
+    int levels = 40;            // the windows are the first
+};
+
+// How an application shows its pop-ups, beyond notifications, alerts, dialogs and information bars, which are
+// pop-ups everywhere.
+struct PopUpForm {
+    enum class Place {
+        roles,            // no others
+        windows,          // each window is one
+        aroundCloseButton // what a close button stands in is one
+    };
+    Place place = Place::roles;
+    // What the button that closes one is called there, where that is not a word for it; empty for a button
+    // without a name.
+    std::optional<std::string_view> closeButton;
 };
 
 // Reads the application below `root` and gives it as an element with "AXWindows": pop-ups as soon as they are
@@ -24,14 +39,14 @@ struct AccessibleLimits {
 // tree whatever the application says.
 //
 // A button's name is an action that presses it: of the button itself, and of the pop-up that it stands in, at
-// most five levels above it. Pop-ups are notifications, alerts, dialogs and information bars; with
-// `windowsArePopUps` also each window that has no two buttons of that name.
+// most five levels above it; the form's close button is called "Close". Where two buttons of one name stand in
+// a pop-up that is none by its role, or in any that is closed by such a button, it does not offer that action.
 //
 // "AXTitle" is the name, "AXDescription" the description, "AXValue" the text of what holds text. A picture that
 // its icon's name, or a pop-up that its category, marks as being about a low battery says "low battery" in its
 // description, whatever the language around it.
 std::shared_ptr<AccessibilityElement> readAccessibleTree(std::shared_ptr<AccessibleSource> source,
-                                                         const std::string& root, bool windowsArePopUps,
+                                                         const std::string& root, const PopUpForm& form,
                                                          const AccessibleLimits& limits = {});
 
 // Whether an icon's name or file ("battery-caution-symbolic", "battery-level-10") or a notification's category

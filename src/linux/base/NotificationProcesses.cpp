@@ -9,17 +9,19 @@
 namespace kivo {
 namespace {
 
+using enum PopUpForm::Place;
+
 constexpr NotificationProcess processes[] = {
-    {"gnome-shell", false},
-    {"cinnamon", false},
-    {"plasmashell", true},
-    {"xfce4-notifyd", true},
-    {"mate-notification-daemon", true},
-    {"notification-daemon", true},
-    {"lxqt-notificationd", true},
-    {"budgie-daemon", true},
-    {"mako", true},
-    {"dunst", true},
+    {"gnome-shell", {roles, {}}},
+    {"cinnamon", {roles, {}}},
+    {"plasmashell", {windows, {}}},
+    {"budgie-daemon", {windows, {}}},
+    {"xfce4-notifyd", {windows, {}}},
+    {"mate-notification-daemon", {roles, ""}},
+    {"notification-daemon", {roles, ""}},
+    {"lxqt-notificationd", {aroundCloseButton, "x"}},
+    {"mako", {windows, {}}},
+    {"dunst", {windows, {}}},
 };
 
 } // namespace

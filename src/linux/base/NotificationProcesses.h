@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/base/AccessibleTree.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,11 +10,10 @@
 
 namespace kivo {
 
-// A program that shows a desktop's notifications in windows of its own or on the desktop itself.
+// A program that shows a desktop's notifications.
 struct NotificationProcess {
     std::string_view program;
-    // Each of its windows is one notification (or leaves them alone); else they stand somewhere inside one.
-    bool windowsArePopUps;
+    PopUpForm form;
 };
 
 // The program of that name, when it is one; nothing for every other program.
