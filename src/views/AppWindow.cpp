@@ -42,7 +42,10 @@ AppWindow::AppWindow(MainLoop& loop, Workspace& workspace, const std::string& ti
     QList<QKeySequence> closing = QKeySequence::keyBindings(QKeySequence::Close);
     closing << QKeySequence(Qt::Key_Escape);
     for (const QKeySequence& keys : closing)
-        connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, [this] {
+            dismissed();
+            close();
+        });
     const QSize room = screen()->availableSize() * 0.94;
     setMinimumSize(QSize(400, 320).boundedTo(room));
     resize(wanted.boundedTo(room));
@@ -75,6 +78,8 @@ bool AppWindow::event(QEvent* event) {
 
 void AppWindow::closeEvent(QCloseEvent* event) {
     event->accept();
+    if (event->spontaneous())
+        dismissed();
     if (onClose)
         onClose();
 }

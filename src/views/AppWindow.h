@@ -35,6 +35,8 @@ protected:
     Kit& kit() { return kit_; }
     // It has come to the front.
     virtual void activated() {}
+    // The user closes it, as opposed to the application's end.
+    virtual void dismissed() {}
 
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;

@@ -7,7 +7,6 @@
 #include "views/IntroductionPages.h"
 #include "views/Surface.h"
 
-#include <QCloseEvent>
 #include <QGridLayout>
 #include <QPainter>
 #include <QPixmap>
@@ -179,9 +178,8 @@ void IntroductionWindow::activated() {
     model_->refresh();
 }
 
-void IntroductionWindow::closeEvent(QCloseEvent* event) {
+void IntroductionWindow::dismissed() {
     model_->onboarding().finish();
-    AppWindow::closeEvent(event);
 }
 
 } // namespace kivo

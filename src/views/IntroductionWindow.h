@@ -21,7 +21,7 @@ public:
 
 protected:
     void activated() override;
-    void closeEvent(QCloseEvent* event) override;
+    void dismissed() override;
 
 private:
     QWidget* makeFooter(const OnboardingContent& content);

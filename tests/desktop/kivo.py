@@ -32,13 +32,15 @@ def settings(*rules, **switches):
 
 class Kivo:
     def __init__(self, desktop, stored=None, on_hardware=False, tray=True):
-        """Starts Kivo and waits until its tray icon is there. `stored`: the settings, or the file's text."""
+        """Starts Kivo and waits until its tray icon is there. `stored`: the settings of somebody who has seen the
+        introduction, or the file's text."""
         self.desktop = desktop
         if stored is not None:
             self.settings_file = desktop.path('home', 'config', 'kivo', 'settings.json')
             os.makedirs(os.path.dirname(self.settings_file), exist_ok=True)
             with open(self.settings_file, 'w', encoding='utf-8') as file:
-                file.write(stored if isinstance(stored, str) else json.dumps({'alertSettings.v2': stored}))
+                file.write(stored if isinstance(stored, str) else json.dumps(
+                    {'alertSettings.v2': stored, 'onboarding.completed.v1': True}))
         self.process = self.launch(on_hardware)
         if tray:
             self.await_tray()

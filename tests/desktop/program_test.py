@@ -76,6 +76,9 @@ class ProgramTest(KivoTest):
 
     def test_unreadable_settings_mean_the_usual_ones_and_are_kept(self):
         kivo = self.start('{"alertSettings.v2": {"rules": [')
+        # The introduction, as for a new user: out of the island's way.
+        self.desktop.output(['xdotool', 'search', '--sync', '--onlyvisible', '--name', '^Kivo$',
+                             'windowmove', '--sync', '0', '200'])
         self.desktop.unplug()  # an island by the usual rules
         kivo.await_full_island()
         kivo.quit()
