@@ -51,6 +51,7 @@ TEST(MachineKeys, RefuseWhatIsNotTheirType) {
         {R"({"mobileDevices": {"a": {"identifier": "x", "values": {"": 1}}}})", "mobileDevices.a.values"},
         {R"({"mobileDevices": {"a": {"identifier": "x", "diagnostics": {"replies": {}}}}})", "replies"},
         {R"({"mobileDevices": {"a": {"identifier": "x", "readSeconds": -1}}})", "readSeconds"},
+        {R"({"mobileDevices": {"a": {"identifier": "x", "connect": 4294967296}}})", "mobileDevices.a.connect"},
         {R"({"attached": "a"})", "attached"},
         {R"({"defaults": {"standard": null}})", "defaults.standard"},
         {R"({"support": {"Kivo/energy.json": "text"}})", "support.Kivo/energy.json"},

@@ -54,6 +54,12 @@ TEST_F(SimulatedMobileDevicesTest, AnswersFromTheState) {
     EXPECT_FALSE(library.copyValue(device, std::nullopt, "Colour"));
     EXPECT_FALSE(library.copyValue(device, "nowhere", std::nullopt));
     EXPECT_EQ(library.copyValue(device, "battery", std::nullopt), PropertyValue(Dictionary{{"Level", 50}}));
+    machine.set(R"({"mobileDevices": {"phone": {"identifier": "00-A", "connect": 3892314129,
+                                                "validate": -402653167, "diagnostics": {"start": 3892314112}}}})");
+    EXPECT_EQ(library.connect(device), -402653167) << "the same 32 bits, written unsigned";
+    EXPECT_EQ(library.validatePairing(device), -402653167);
+    MobileServiceConnection connection = 0;
+    EXPECT_EQ(library.startService(device, "service", connection), -402653184);
     machine.set(R"({"mobileDevices": {}})");
     EXPECT_FALSE(library.copyDeviceIdentifier(device));
     EXPECT_NE(library.connect(device), 0);
