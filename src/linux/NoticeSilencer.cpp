@@ -2,7 +2,6 @@
 #include "linux/NoticeSilencer.h"
 
 #include "linux/base/DesktopNotices.h"
-#include "linux/base/HelperProgram.h"
 #include "linux/base/NotifyrcSwitch.h"
 
 #include <QDBusMessage>
@@ -16,25 +15,36 @@ namespace {
 const Duration longestRun = seconds(10);
 constexpr int longestAtEnd = 2000; // milliseconds
 
+void waitFor(QProcess& process) {
+    if (process.state() == QProcess::NotRunning || process.waitForFinished(longestAtEnd))
+        return;
+    process.kill();
+    process.waitForFinished(longestAtEnd);
+}
+
 } // namespace
 
-NoticeSilencer::NoticeSilencer(MainLoop& loop, QDBusConnection session, const Folders& folders, LogSink& log)
+NoticeSilencer::NoticeSilencer(MainLoop& loop, QDBusConnection session, const Folders& folders, LogSink& log,
+                               std::string program)
     : loop_(loop),
       session_(std::move(session)),
       logger_(log, "notices"),
-      memory_(DesktopNotices::memoryPath(folders)) {}
+      memory_(DesktopNotices::memoryPath(folders)),
+      program_(std::move(program)) {}
 
 NoticeSilencer::~NoticeSilencer() {
     limit_.cancel();
     if (process_) {
         process_->disconnect(this);
-        process_->waitForFinished(longestAtEnd);
+        waitFor(*process_);
         process_.reset();
     }
     if (!hasMemory())
         return;
-    if (const auto last = start(false); last && last->waitForFinished(longestAtEnd))
+    if (const auto last = start(false)) {
+        waitFor(*last);
         take(*last);
+    }
 }
 
 void NoticeSilencer::silence(bool isSilent) {
@@ -63,14 +73,13 @@ void NoticeSilencer::next() {
 }
 
 std::unique_ptr<QProcess> NoticeSilencer::start(bool isSilent) {
-    const std::string program = helperProgram("kivo-notices");
-    if (program.empty()) {
+    if (program_.empty()) {
         logger_.error("The desktop's own notice stays as it is: kivo-notices is not installed");
         return nullptr;
     }
     auto process = std::make_unique<QProcess>();
     process->setStandardInputFile(QProcess::nullDevice());
-    process->start(QString::fromStdString(program),
+    process->start(QString::fromStdString(program_),
                    {isSilent ? QStringLiteral("silence") : QStringLiteral("restore")});
     return process;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "linux/base/Folders.h"
+#include "linux/base/HelperProgram.h"
 #include "support/Log.h"
 #include "support/MainLoop.h"
 #include "support/Subscription.h"
@@ -21,7 +22,9 @@ namespace kivo {
 // nothing is wanted, nothing runs.
 class NoticeSilencer final : public QObject {
 public:
-    NoticeSilencer(MainLoop& loop, QDBusConnection session, const Folders& folders, LogSink& log);
+    // `program` is the helper's path; nothing can be done when it is empty.
+    NoticeSilencer(MainLoop& loop, QDBusConnection session, const Folders& folders, LogSink& log,
+                   std::string program = helperProgram("kivo-notices"));
     // Without Kivo nobody else would warn: what was there comes back. Waits for it, seconds at most; what does
     // not come back now does when Kivo starts again.
     ~NoticeSilencer() override;
@@ -40,6 +43,7 @@ private:
     QDBusConnection session_;
     Logger logger_;
     std::string memory_;
+    std::string program_;
     std::optional<bool> wanted_;
     std::optional<bool> done_; // also when it failed: the next wish tries again
     std::unique_ptr<QProcess> process_;
