@@ -108,8 +108,8 @@ class DeviceTest(KivoTest):
         hardware('set', 'hid-aa:bb:cc:dd:ee:01-battery', {'capacity': '0', 'status': 'Unknown'})
         hardware('set', 'hidpp_battery_1', {'capacity_level': 'Unknown'})
         began = time.monotonic()
-        picture, _ = kivo.await_island(POLL)
-        self.assertGreater(picture.width, 100)
+        kivo.await_island(POLL)
+        kivo.await_full_island()
         wait_for('the notifications', lambda: len(self.messages.notifications()) >= 3, 10)
         told = {(title, body) for _, _, title, body in self.messages.notifications()}
         print(f'told after {time.monotonic() - began:.1f} s: {told}')
@@ -121,13 +121,15 @@ class DeviceTest(KivoTest):
         self.await_list(rest)
 
         # Two hundred accessories come and go: the list is right in the end and was published once.
-        before, published = self.upower().count('objectpath'), self.published()
+        published = self.published()
+        upower = self.bluetooth.bus.get_object('org.freedesktop.UPower', '/org/freedesktop/UPower', introspect=False)
         began = time.monotonic()
-        hardware('storm', 200)
+        for number in range(0, 100, 4):
+            hardware('gust', number)
+            upower.EnumerateDevices(dbus_interface='org.freedesktop.UPower')  # it has heard them, then
         print(f'the storm took {time.monotonic() - began:.1f} s')
-        wait_for('the end of the storm in UPower',
-                 lambda: self.upower().count('/') and 'storm_battery_99' in self.upower() and
-                 'storm_battery_97' not in self.upower(), 30)
+        wait_for('the end of the storm in UPower', lambda: 'gadget_battery_99' in self.upower() and
+                 'gadget_battery_97' not in self.upower(), 30)
         gadgets = {f'Gadget {number}': ('other', 50) for number in (98, 99)}
         self.await_list({**rest, **gadgets}, POLL)
         polls = int((time.monotonic() - began) / 29) + 1

@@ -8,7 +8,8 @@ uevents. A line is a JSON list, a command and its arguments; so is each answer: 
 
   ["add", SUBSYSTEM, NAME, {ATTRIBUTE: VALUE}]   ["laptop"]   ["dir"]
   ["mouse", PERCENT]   ["keyboard", PERCENT]   ["gamepad", PERCENT]   ["coarse", LEVEL]   (one that knows "Low")
-  ["storm", COUNT]      so many accessories come and go at once; the last two, storm_battery_N, stay
+  ["gust", NUMBER]      four accessories from gadget_battery_NUMBER on come, and four from two before that go; more
+                        events than these and nobody who listens, and umockdev ends
   ["set", NAME, {ATTRIBUTE: VALUE}]     changes attributes and sends one `change` uevent
   ["quiet", NAME, {ATTRIBUTE: VALUE}]   the same without a uevent: what only a poll sees
   ["remove", NAME]
@@ -18,7 +19,6 @@ import os
 import signal
 import socket
 import sys
-import time
 
 
 class Hardware:
@@ -80,16 +80,14 @@ class Hardware:
         return self.accessory('Old Mouse', 10, ['MOUSE'], 'hidpp_battery_1', {
             'capacity_level': level, 'serial_number': '101a'})
 
-    def storm(self, count):
-        for number in range(count // 2):
-            name = f'storm_battery_{number}'
+    def gust(self, first):
+        for number in range(first, first + 4):
+            name = f'gadget_battery_{number}'
             self.add('power_supply', name, {
                 'type': 'Battery', 'scope': 'Device', 'present': '1', 'status': 'Discharging', 'online': '1',
                 'model_name': f'Gadget {number}', 'serial_number': f'gadget-{number}', 'capacity': '50'})
             if number >= 2:
-                self.remove(f'storm_battery_{number - 2}')
-            # What nobody has heard yet stands in a buffer that umockdev dies of.
-            time.sleep(0.005)
+                self.remove(f'gadget_battery_{number - 2}')
 
     def quiet(self, name, attributes):
         for key, value in attributes.items():
@@ -107,7 +105,7 @@ class Hardware:
         return self.testbed.get_root_dir()
 
 
-COMMANDS = ('add', 'laptop', 'mouse', 'keyboard', 'gamepad', 'coarse', 'storm', 'set', 'quiet', 'remove', 'dir')
+COMMANDS = ('add', 'laptop', 'mouse', 'keyboard', 'gamepad', 'coarse', 'gust', 'set', 'quiet', 'remove', 'dir')
 
 
 def serve(path):
