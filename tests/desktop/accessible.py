@@ -44,7 +44,7 @@ def main():
         if verb == 'tree':
             named = ' '.join(word for state, word in STATES.items() if states.contains(state))
             print('\t'.join([thing.get_role_name(), thing.get_name(), named, ', '.join(actions(thing))]))
-        elif thing.get_name() == sys.argv[3]:
+        elif thing.get_name() == sys.argv[3] and sys.argv[4] in actions(thing):
             thing.get_action_iface().do_action(actions(thing).index(sys.argv[4]))
             return
 

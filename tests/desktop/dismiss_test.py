@@ -8,6 +8,7 @@ import sys
 import time
 
 from desktop import Desktop, Messages, wait_for
+import kivo as kivo_module
 from kivo import Kivo, KivoTest, rule, run, settings
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -41,6 +42,24 @@ class AccessibleDesktop(Desktop):
     def is_enabled(self):
         return 'true' in self.call('DBUS_SESSION_BUS_ADDRESS', 'org.a11y.Bus', '/org/a11y/bus',
                                    'org.freedesktop.DBus.Properties.Get', 'org.a11y.Status', 'IsEnabled')
+
+    def become_plasma(self):
+        """As far as its low-battery notice goes."""
+        self.env['XDG_CURRENT_DESKTOP'] = 'KDE'
+        event = self.path('home', 'data', 'knotifications5', 'powerdevil.notifyrc')
+        os.makedirs(os.path.dirname(event))
+        with open(event, 'w', encoding='utf-8') as file:
+            file.write('[Event/lowbattery]\nAction=Popup|Sound\n')
+
+    def await_plasmas_notice(self, is_silent):
+        def chosen():
+            try:
+                with open(self.path('home', 'config', 'powerdevil.notifyrc'), encoding='utf-8') as file:
+                    return file.read()
+            except FileNotFoundError:
+                return None
+        wanted = '[Event/lowbattery]\nAction=Sound\n' if is_silent else None
+        wait_for(f'the notice {"silent" if is_silent else "as it was"}', lambda: chosen() == wanted, 20)
 
     def program_called(self, name, source):
         """A copy of a program under the name of one that shows notifications: Kivo knows those by their file."""
@@ -166,24 +185,13 @@ class DismissTest(KivoTest):
         self.assertLess(sorted(hung)[1], usual + 0.05)
 
     def test_plasmas_own_notice_is_silent_while_kivo_gives_one(self):
-        self.desktop.env['XDG_CURRENT_DESKTOP'] = 'KDE'
+        self.desktop.become_plasma()
         self.addCleanup(self.desktop.env.pop, 'XDG_CURRENT_DESKTOP')
-        event = self.desktop.path('home', 'data', 'knotifications5', 'powerdevil.notifyrc')
-        os.makedirs(os.path.dirname(event))
-        with open(event, 'w', encoding='utf-8') as file:
-            file.write('[Event/lowbattery]\nAction=Popup|Sound\n')
         told = Messages(self.desktop, 'DBUS_SESSION_BUS_ADDRESS', "interface='org.kde.knotification'")
-        chosen = self.desktop.path('home', 'config', 'powerdevil.notifyrc')
         seen = len(told.seen)
-
-        def await_notice(is_silent):
-            wait_for(f'the notice {"silent" if is_silent else "as it was"}', lambda: os.path.exists(chosen) == is_silent,
-                     20)
-
+        await_notice = self.desktop.await_plasmas_notice
         kivo = self.start()
         await_notice(is_silent=True)
-        with open(chosen, encoding='utf-8') as file:
-            self.assertEqual(file.read(), '[Event/lowbattery]\nAction=Sound\n')
         wait_for('the word to programs that know the old text', lambda: 'powerdevil' in str(told.seen[seen:]), 20)
         kivo.quit()
         await_notice(is_silent=False)
@@ -216,6 +224,34 @@ class TrustTest(KivoTest):
             wait_for('the pop-up closed', lambda: popups.closed() == ['english'], 20)
             desktop.end(desktop.launcher)
             kivo.await_level(10)
+
+    def test_the_switch_in_the_settings_asks_for_trust_and_silences_the_desktop(self):
+        with AccessibleDesktop(sound=False) as desktop:
+            desktop.start_accessibility(is_enabled=False)
+            desktop.become_plasma()
+            # Or the test could not press anything in it.
+            desktop.env['QT_LINUX_ACCESSIBILITY_ALWAYS_ON'] = '1'
+            desktop.hardware('set', 'BAT0', {'capacity': '10', 'energy_now': '5000000'})
+            kivo = Kivo(desktop, {**ON, 'dismissesSystemAlerts': False})
+            self.addCleanup(kivo.quit)
+            kivo.await_level(10)
+            desktop.unplug()
+            popups = desktop.show('xfce4-notifyd', '/usr/bin/python3', f'{HERE}/popups/gtk_popups.py', 'english')
+            desktop.spawn('settings', [kivo_module.BINARY, '--settings'])
+
+            def accessible(*arguments):
+                return desktop.output(['/usr/bin/python3', f'{HERE}/accessible.py', *arguments])
+            wait_for('the settings', lambda: 'General' in accessible('tree', 'Kivo'), 20)
+            accessible('do', 'Kivo', 'General', 'Press')
+            switch = "Close the system's battery pop-ups"
+            wait_for('the switch in the settings', lambda: switch in accessible('tree', 'Kivo'), 20)
+            self.assertFalse(desktop.is_enabled())
+            accessible('do', 'Kivo', switch, 'Toggle')
+            wait_for('accessibility enabled', desktop.is_enabled, 20)
+            wait_for('the pop-up closed', lambda: popups.closed() == ['english'], 20)
+            desktop.await_plasmas_notice(is_silent=True)
+            accessible('do', 'Kivo', switch, 'Toggle')
+            desktop.await_plasmas_notice(is_silent=False)
 
 
 class NotificationDaemonTest(KivoTest):
