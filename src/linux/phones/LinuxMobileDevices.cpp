@@ -2,7 +2,6 @@
 #include "linux/phones/LinuxMobileDevices.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
@@ -21,27 +20,6 @@ constexpr std::size_t mostPhones = 64;
 constexpr std::size_t shownOfIdentifier = 4; // characters, in the log
 // What was read is read: a phone that is slow to end the session is not waited for.
 constexpr Duration farewellLimit = 2s;
-constexpr const char* notTrusted = "unlock it and tap Trust";
-
-// How long a phone is left alone after so many readings in a row that failed: less than one, two, five and
-// fifteen times the minute between two passes, so that the waits end before the passes that they are to let by.
-constexpr std::array<Duration, 4> pauses = {50s, 110s, 290s, 890s};
-
-// What a person can do about the library's errors when a session begins.
-struct Hint {
-    int status;
-    const char* text;
-    bool isFinal; // until it is attached again
-};
-constexpr Hint hints[] = {
-    {-17, "unlock it once", false},
-    {-18, "it was told not to trust this computer: plug it in again and tap Trust", true},
-    {-19, notTrusted, false},
-    {-20, notTrusted, false},
-    {-21, "it no longer trusts this computer: plug it in again and tap Trust", false},
-    {-5, "its pairing record is damaged or refused: plug it in again", false},
-    {-8, "it does not answer: plug it in again or restart usbmuxd", false},
-};
 
 // The kernel's serial numbers are identifiers without theirs.
 std::string withoutHyphens(std::string_view text) {
@@ -65,11 +43,8 @@ struct LinuxMobileDevices::Phone {
     // The reading that runs.
     Reader reader;
     bool hasValues = false;
-    std::string reason;
-    // Readings in a row that failed, and until when none is tried.
-    std::size_t failures = 0;
-    Duration quietUntil = Duration::min();
-    std::string toldReason;
+    PhoneProblem problem;
+    PhonePatience patience;
 };
 
 LinuxMobileDevices::LinuxMobileDevices(LogSink& log, Options options)
@@ -108,10 +83,7 @@ void LinuxMobileDevices::handle(const PhoneEvent& event) {
         // A new watcher names what was there before: no news.
         return;
     }
-    auto& phone = phones_[device];
-    phone.failures = 0;
-    phone.quietUntil = Duration::min();
-    phone.toldReason.clear();
+    phones_[device].patience = {};
     lock.unlock();
     tell(device, connectedCode);
 }
@@ -149,7 +121,7 @@ bool LinuxMobileDevices::canRead(std::string_view serial) const {
     const std::lock_guard lock(mutex_);
     return std::any_of(phones_.begin(), phones_.end(), [&](const auto& entry) {
         const auto& phone = entry.second;
-        return phone.isAttached && phone.failures == 0 && withoutHyphens(phone.identifier) == plain;
+        return phone.isAttached && !phone.patience.hasFailed() && withoutHyphens(phone.identifier) == plain;
     });
 }
 
@@ -230,7 +202,7 @@ int LinuxMobileDevices::connect(MobileDeviceReference device) {
     {
         const std::lock_guard lock(mutex_);
         const auto found = phones_.find(device);
-        if (found == phones_.end() || options_.now() < found->second.quietUntil)
+        if (found == phones_.end() || !found->second.patience.allows(options_.now()))
             return failure;
         arguments.push_back(found->second.identifier);
         arguments.emplace_back(found->second.interfaceType == PhoneEvent::network ? "network" : "usb");
@@ -244,11 +216,11 @@ int LinuxMobileDevices::connect(MobileDeviceReference device) {
             return failure;
         found->second.reader = std::move(reader);
         found->second.hasValues = false;
-        found->second.reason.clear();
+        found->second.problem = {};
     }
     const int result = status(device, "AMDeviceConnect");
     if (result != 0) {
-        noteReason(device, "usbmuxd does not know it");
+        noteProblem(device, {"usbmuxd does not know it"});
         endReading(device);
     }
     return result;
@@ -263,7 +235,7 @@ int LinuxMobileDevices::isPaired(MobileDeviceReference device) {
     const auto reply = call(device, "AMDeviceIsPaired");
     const int result = reply ? static_cast<int>(reply->status) : 0;
     if (reply && result == 0)
-        noteReason(device, notTrusted);
+        noteProblem(device, PhoneProblem::notTrusted());
     return result;
 }
 
@@ -273,14 +245,8 @@ int LinuxMobileDevices::validatePairing(MobileDeviceReference device) {
 
 int LinuxMobileDevices::startSession(MobileDeviceReference device) {
     const int result = status(device, "AMDeviceStartSession");
-    if (result != 0) {
-        const auto* const hint = std::find_if(std::begin(hints), std::end(hints),
-                                              [&](const Hint& one) { return one.status == result; });
-        if (hint != std::end(hints))
-            noteReason(device, hint->text, hint->isFinal);
-        else
-            noteReason(device, "error " + std::to_string(result) + " when it began to talk");
-    }
+    if (result != 0)
+        noteProblem(device, PhoneProblem::noSession(result));
     return result;
 }
 
@@ -354,29 +320,18 @@ void LinuxMobileDevices::endReading(MobileDeviceReference device) {
     reader = std::exchange(phone.reader, nullptr);
     if (!phone.isAttached || hasEnded_)
         return;
-    std::string reason = reader->failure().empty() ? phone.reason : "the helper " + reader->failure();
-    if (phone.hasValues || reason.empty()) {
-        phone.failures = 0;
-    } else {
-        if (phone.quietUntil != Duration::max())
-            phone.quietUntil = options_.now() + pauses[std::min(phone.failures, pauses.size() - 1)];
-        ++phone.failures;
-    }
-    if (!reason.empty() && phone.toldReason != reason) {
+    if (!reader->failure().empty())
+        phone.problem = {"the helper " + reader->failure()};
+    if (phone.patience.note(options_.now(), phone.problem, phone.hasValues)) {
         const auto end = phone.identifier.size() - std::min(phone.identifier.size(), shownOfIdentifier);
-        logger_.info("phone …" + phone.identifier.substr(end) + ": " + reason);
+        logger_.info("phone …" + phone.identifier.substr(end) + ": " + phone.problem.text);
     }
-    phone.toldReason = std::move(reason);
 }
 
-void LinuxMobileDevices::noteReason(MobileDeviceReference device, std::string_view reason, bool isFinal) {
+void LinuxMobileDevices::noteProblem(MobileDeviceReference device, PhoneProblem problem) {
     const std::lock_guard lock(mutex_);
-    const auto found = phones_.find(device);
-    if (found == phones_.end())
-        return;
-    found->second.reason = reason;
-    if (isFinal)
-        found->second.quietUntil = Duration::max();
+    if (const auto found = phones_.find(device); found != phones_.end())
+        found->second.problem = std::move(problem);
 }
 
 } // namespace kivo

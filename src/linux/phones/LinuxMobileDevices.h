@@ -2,6 +2,7 @@
 #pragma once
 
 #include "linux/phones/PhoneMessages.h"
+#include "linux/phones/PhonePatience.h"
 #include "linux/phones/PhoneReader.h"
 #include "platform/MobileDeviceLibrary.h"
 #include "support/Log.h"
@@ -81,8 +82,8 @@ private:
                                    Dictionary arguments = {}, Duration limit = Duration::max());
     int status(MobileDeviceReference device, std::string_view entryPoint, Dictionary arguments = {});
     void endReading(MobileDeviceReference device);
-    // Why a reading gives nothing, for the log. After a final reason none is tried until it is attached again.
-    void noteReason(MobileDeviceReference device, std::string_view reason, bool isFinal = false);
+    // Why the reading that runs gives nothing.
+    void noteProblem(MobileDeviceReference device, PhoneProblem problem);
 
     Logger logger_;
     Options options_;
