@@ -17,18 +17,14 @@ KeyframeTrack brightnessTrack(bool pulses) {
 
 } // namespace
 
-void EdgeGlow::show(const IslandContent& content, bool pulses, bool isOut, const Animation& appearance,
-                    Duration now) {
+void EdgeGlow::show(const IslandContent& content, bool pulses, Duration now) {
     const bool glowedBefore = glows_;
     glows_ = content.glowsScreen;
     color_ = content.tint;
     if (!glows_)
         return;
-    if (!glowedBefore) {
-        visibility_.set(0);
+    if (!glowedBefore)
         brightness_.set(1);
-        setVisible(isOut, appearance, now);
-    }
     // A steady glow that is at its full strength has nothing to run through.
     if (pulses || brightness_.value(now) != 1)
         brightness_.run(brightnessTrack(pulses), now);
@@ -37,8 +33,7 @@ void EdgeGlow::show(const IslandContent& content, bool pulses, bool isOut, const
 }
 
 void EdgeGlow::setVisible(bool isVisible, const Animation& animation, Duration now) {
-    if (glows_)
-        visibility_.animate(isVisible ? 1 : 0, animation, now);
+    visibility_.animate(isVisible ? 1 : 0, animation, now);
 }
 
 std::optional<GlowFrame> EdgeGlow::frame(Duration at) const {

@@ -30,8 +30,7 @@ void IslandMotion::show(const Showing& showing, Duration now) {
     metrics_ = showing.metrics;
     token_ = showing.token;
     const bool reduces = showing.reducesMotion;
-    glow_.show(showing.content, showing.content.isUrgent && !reduces, phase_.isWide || phase_.isTall,
-               reduces ? animations::fade : animations::glowIn, now);
+    glow_.show(showing.content, showing.content.isUrgent && !reduces, now);
     const Manner replacement = reduces ? Manner::fading : Manner::moving;
     contents_.show(showing.content, showing.token, showing.isRetarget ? replacement : Manner::atOnce, now);
     if (!reduces)

@@ -18,10 +18,13 @@ TEST(EdgeGlowTest, isThereOnlyForContentsThatAskForIt) {
     h.show(urgent(0.08));
     EXPECT_FALSE(h.frameAt(0.3).glow);
     h.retarget(glowing(urgent(0.07)));
-    EXPECT_EQ(h.frame().glow->visibility, 0); // comes up, though the island is out
-    EXPECT_EQ(h.frameAt(0.65).glow->visibility, 1);
+    EXPECT_NEAR(h.frame().glow->visibility, swift.at(0.3 / 0.35), 1e-9); // as far as the island is out
+    h.to(0.65);
+    EXPECT_EQ(h.frame().glow->visibility, 1);
     h.retarget(level(0.5));
     EXPECT_FALSE(h.frame().glow);
+    h.retarget(glowing(level(0.4)));
+    EXPECT_EQ(h.frame().glow->visibility, 1);
 }
 
 TEST(EdgeGlowTest, followsTheIslandInAndOut) {
