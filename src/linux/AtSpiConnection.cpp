@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/AtSpiConnection.h"
 
-#include <dbus/dbus.h>
+#include "linux/AtSpiMessage.h"
 
 #include <algorithm>
 #include <ctime>
@@ -11,196 +11,18 @@
 namespace kivo {
 namespace {
 
-constexpr const char* accessible = "org.a11y.atspi.Accessible";
-constexpr const char* actionInterface = "org.a11y.atspi.Action";
-constexpr const char* textInterface = "org.a11y.atspi.Text";
-constexpr const char* imageInterface = "org.a11y.atspi.Image";
+using namespace atspi;
 
 // So many calls are on their way at once: enough that neither side waits for the other, few enough that an
 // application which hangs finds few when it goes on.
 constexpr std::size_t callsAtOnce = 32;
 constexpr int longestSilence = 500; // milliseconds
-constexpr int longestAction = 1000;
 constexpr long largestMessage = 4L << 20;
-constexpr std::size_t longestText = 4096;
-constexpr std::uint32_t showingState = 25;
 
 std::int64_t steadyMilliseconds() {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
     return static_cast<std::int64_t>(time.tv_sec) * 1000 + time.tv_nsec / 1'000'000;
-}
-
-using Message = AtSpiConnection::Message;
-
-Message newCall(const char* destination, const char* path, const char* interface, const char* method) {
-    // A path or name that an application made up wrongly would end the process.
-    if (!dbus_validate_path(path, nullptr) || !dbus_validate_bus_name(destination, nullptr))
-        return nullptr;
-    Message message(dbus_message_new_method_call(destination, path, interface, method));
-    if (message)
-        dbus_message_set_auto_start(message.get(), FALSE);
-    return message;
-}
-
-// Walks the values of a message; `dive` goes into arrays, structures and variants.
-class Values {
-public:
-    explicit Values(DBusMessage* message) { dbus_message_iter_init(message, &iterator_); }
-
-    int type() { return dbus_message_iter_get_arg_type(&iterator_); }
-    void next() { dbus_message_iter_next(&iterator_); }
-    Values dive() {
-        Values inner;
-        dbus_message_iter_recurse(&iterator_, &inner.iterator_);
-        return inner;
-    }
-    std::string text() {
-        const char* value = "";
-        if (type() == DBUS_TYPE_STRING || type() == DBUS_TYPE_OBJECT_PATH)
-            dbus_message_iter_get_basic(&iterator_, &value);
-        return value;
-    }
-    std::uint32_t number() {
-        std::uint32_t value = 0;
-        if (type() == DBUS_TYPE_UINT32 || type() == DBUS_TYPE_INT32)
-            dbus_message_iter_get_basic(&iterator_, &value);
-        return value;
-    }
-    bool boolean() {
-        dbus_bool_t value = FALSE;
-        if (type() == DBUS_TYPE_BOOLEAN)
-            dbus_message_iter_get_basic(&iterator_, &value);
-        return value != FALSE;
-    }
-
-private:
-    Values() = default;
-    DBusMessageIter iterator_{};
-};
-
-bool has(const Message& reply, const char* signature) {
-    return reply && dbus_message_has_signature(reply.get(), signature);
-}
-
-std::vector<std::pair<std::string, std::string>> references(const Message& reply) {
-    std::vector<std::pair<std::string, std::string>> result;
-    if (!has(reply, "a(so)"))
-        return result;
-    auto list = Values(reply.get()).dive();
-    for (; list.type() == DBUS_TYPE_STRUCT; list.next()) {
-        auto fields = list.dive();
-        std::string name = fields.text();
-        fields.next();
-        result.emplace_back(std::move(name), fields.text());
-    }
-    return result;
-}
-
-Message propertyCall(const std::string& application, const std::string& path, const char* interface,
-                     const char* property) {
-    Message call = newCall(application.c_str(), path.c_str(), DBUS_INTERFACE_PROPERTIES, "Get");
-    if (call)
-        dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &property,
-                                 DBUS_TYPE_INVALID);
-    return call;
-}
-
-Message textCall(const std::string& application, const std::string& path) {
-    Message call = newCall(application.c_str(), path.c_str(), textInterface, "GetText");
-    const dbus_int32_t start = 0;
-    const dbus_int32_t end = static_cast<dbus_int32_t>(longestText);
-    if (call)
-        dbus_message_append_args(call.get(), DBUS_TYPE_INT32, &start, DBUS_TYPE_INT32, &end, DBUS_TYPE_INVALID);
-    return call;
-}
-
-Message callFor(const std::string& application, const AccessibleQuestion& question) {
-    using enum AccessibleQuestion::Kind;
-    const auto method = [&](const char* interface, const char* name) {
-        return newCall(application.c_str(), question.path.c_str(), interface, name);
-    };
-    switch (question.kind) {
-    case isShowing:
-        return method(accessible, "GetState");
-    case role:
-        return method(accessible, "GetRole");
-    case children:
-        return method(accessible, "GetChildren");
-    case actions:
-        return method(actionInterface, "GetActions");
-    case name:
-        return propertyCall(application, question.path, accessible, "Name");
-    case description:
-        return propertyCall(application, question.path, accessible, "Description");
-    case text:
-        return textCall(application, question.path);
-    case imageDescription:
-        return propertyCall(application, question.path, imageInterface, "ImageDescription");
-    case attributes:
-        return method(accessible, "GetAttributes");
-    }
-    return nullptr;
-}
-
-std::optional<AccessibleAnswer> states(const Message& reply) {
-    if (!has(reply, "au"))
-        return std::nullopt;
-    const bool isShowing = (Values(reply.get()).dive().number() >> showingState & 1U) != 0;
-    return AccessibleAnswer{isShowing ? 1U : 0U, {}};
-}
-
-// The first text of each entry, or both.
-std::optional<AccessibleAnswer> entries(const Message& reply, const char* signature, bool takesBoth) {
-    if (!has(reply, signature))
-        return std::nullopt;
-    AccessibleAnswer answer;
-    auto list = Values(reply.get()).dive();
-    for (; list.type() != DBUS_TYPE_INVALID; list.next()) {
-        auto fields = list.dive();
-        answer.texts.push_back(fields.text());
-        if (!takesBoth)
-            continue;
-        fields.next();
-        answer.texts.push_back(fields.text());
-    }
-    return answer;
-}
-
-std::optional<AccessibleAnswer> singleText(const Message& reply) {
-    if (!has(reply, "v") && !has(reply, "s"))
-        return std::nullopt;
-    Values value(reply.get());
-    if (value.type() == DBUS_TYPE_VARIANT)
-        value = value.dive();
-    return AccessibleAnswer{0, {value.text().substr(0, longestText)}};
-}
-
-std::optional<AccessibleAnswer> answerFrom(const std::string& application, AccessibleQuestion::Kind kind,
-                                           const Message& reply) {
-    using enum AccessibleQuestion::Kind;
-    switch (kind) {
-    case isShowing:
-        return states(reply);
-    case role:
-        return has(reply, "u") ? std::optional(AccessibleAnswer{Values(reply.get()).number(), {}})
-                               : std::nullopt;
-    case actions:
-        return entries(reply, "a(sss)", false);
-    case attributes:
-        return entries(reply, "a{ss}", true);
-    case children:
-        break;
-    default:
-        return singleText(reply);
-    }
-    if (!has(reply, "a(so)"))
-        return std::nullopt;
-    AccessibleAnswer answer;
-    for (auto& [name, path] : references(reply))
-        if (name == application)
-            answer.texts.push_back(std::move(path));
-    return answer;
 }
 
 } // namespace
@@ -213,10 +35,6 @@ Deadline Deadline::in(int milliseconds) {
 
 int Deadline::left() const {
     return static_cast<int>(std::max<std::int64_t>(0, at_ - steadyMilliseconds()));
-}
-
-void AtSpiConnection::MessageRelease::operator()(DBusMessage* message) const {
-    dbus_message_unref(message);
 }
 
 AtSpiConnection::AtSpiConnection(const std::string& address, Deadline deadline) : deadline_(deadline) {
@@ -310,8 +128,7 @@ std::vector<Message> AtSpiConnection::call(std::vector<Message> calls) {
 
 std::vector<AtSpiConnection::Application> AtSpiConnection::applications() {
     std::vector<Message> question;
-    question.push_back(
-        newCall("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root", accessible, "GetChildren"));
+    question.push_back(newCall("org.a11y.atspi.Registry", rootPath, accessible, "GetChildren"));
     std::vector<Application> result;
     std::vector<Message> calls;
     for (auto& [name, root] : references(call(std::move(question)).front())) {
@@ -328,28 +145,6 @@ std::vector<AtSpiConnection::Application> AtSpiConnection::applications() {
             result[i].pid = static_cast<std::int32_t>(Values(replies[i].get()).number());
     std::erase_if(result, [](const Application& application) { return application.pid == 0; });
     return result;
-}
-
-std::vector<std::optional<AccessibleAnswer>>
-AtSpiSource::ask(const std::vector<AccessibleQuestion>& questions) {
-    std::vector<Message> calls;
-    for (const auto& question : questions)
-        calls.push_back(callFor(application_, question));
-    const auto replies = connection_->call(std::move(calls));
-    std::vector<std::optional<AccessibleAnswer>> answers;
-    for (std::size_t i = 0; i < replies.size(); ++i)
-        answers.push_back(answerFrom(application_, questions[i].kind, replies[i]));
-    return answers;
-}
-
-bool AtSpiSource::perform(const std::string& path, std::int32_t action) {
-    connection_->setDeadline(Deadline::in(longestAction));
-    std::vector<Message> calls;
-    calls.push_back(newCall(application_.c_str(), path.c_str(), actionInterface, "DoAction"));
-    if (calls.front())
-        dbus_message_append_args(calls.front().get(), DBUS_TYPE_INT32, &action, DBUS_TYPE_INVALID);
-    const auto replies = connection_->call(std::move(calls));
-    return has(replies.front(), "b") && Values(replies.front().get()).boolean();
 }
 
 } // namespace kivo

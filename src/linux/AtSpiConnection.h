@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "linux/base/AccessibleSource.h"
+#include "linux/AtSpiMessage.h"
 
 #include <cstdint>
-#include <map>
-#include <memory>
-#include <optional>
 #include <string>
 #include <vector>
-
-struct DBusConnection;
-struct DBusMessage;
 
 namespace kivo {
 
@@ -48,13 +42,9 @@ public:
     };
     std::vector<Application> applications();
 
-    struct MessageRelease {
-        void operator()(DBusMessage* message) const;
-    };
-    using Message = std::unique_ptr<DBusMessage, MessageRelease>;
     // Sends the calls, a few at a time, and gives their replies in order: a null pointer for an error or none.
     // After half a second without any reply nothing more is asked on this connection.
-    std::vector<Message> call(std::vector<Message> calls);
+    std::vector<atspi::Message> call(std::vector<atspi::Message> calls);
 
 private:
     struct Batch;
@@ -63,20 +53,6 @@ private:
     DBusConnection* connection_ = nullptr;
     Deadline deadline_;
     bool isLost_ = false;
-};
-
-// The objects of one application on the bus.
-class AtSpiSource final : public AccessibleSource {
-public:
-    AtSpiSource(std::shared_ptr<AtSpiConnection> connection, std::string application)
-        : connection_(std::move(connection)), application_(std::move(application)) {}
-
-    std::vector<std::optional<AccessibleAnswer>> ask(const std::vector<AccessibleQuestion>& questions) override;
-    bool perform(const std::string& path, std::int32_t action) override;
-
-private:
-    std::shared_ptr<AtSpiConnection> connection_;
-    std::string application_;
 };
 
 } // namespace kivo

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/LinuxAccessibility.h"
 
-#include "linux/AtSpiConnection.h"
+#include "linux/AtSpiSource.h"
 #include "linux/Bus.h"
 #include "linux/NameOwner.h"
 #include "linux/base/AccessibleTree.h"
