@@ -3,23 +3,34 @@
 // the outside world. FILE "-" is standard input.
 #include "scenario/Scenario.h"
 
+#include <array>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
 constexpr int unreadable = 2;
 
+// Nothing where there is no file or it cannot be read to its end, as a folder cannot.
+std::optional<std::string> readAll(std::istream& file) {
+    std::string text;
+    std::array<char, 65536> piece{};
+    do {
+        file.read(piece.data(), piece.size());
+        text.append(piece.data(), static_cast<std::size_t>(file.gcount()));
+    } while (file);
+    return file.eof() ? std::optional(std::move(text)) : std::nullopt;
+}
+
 std::optional<std::string> readAll(const std::string& path) {
     if (path == "-")
-        return std::string(std::istreambuf_iterator<char>(std::cin), {});
+        return readAll(std::cin);
     std::ifstream file(path, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(file), {});
-    return file ? std::optional(std::move(text)) : std::nullopt;
+    return readAll(file);
 }
 
 } // namespace
