@@ -40,14 +40,16 @@ constexpr const char* usage =
     "Kivo, a companion for the batteries around your computer\n"
     "\n"
     "usage: kivo [option]\n"
-    "  --settings     open the settings, of the running Kivo if there is one\n"
-    "  --test-alert   show what an alert looks like, in the running Kivo if there is one\n"
-    "  --version      print the version and end\n"
-    "  --help         print this and end\n";
+    "  --settings             open the settings, of the running Kivo if there is one\n"
+    "  --test-alert           show what an alert looks like, in the running Kivo if there is one\n"
+    "  --check-for-updates    look for a newer version, in the running Kivo if there is one\n"
+    "  --version              print the version and end\n"
+    "  --help                 print this and end\n";
 
 // What a second start asks the running Kivo for.
 const QString testAlertAction = QStringLiteral("test-alert");
 const QString settingsAction = QStringLiteral("settings");
+const QString updatesAction = QStringLiteral("check-for-updates");
 
 int terminationEvent = -1;
 
@@ -111,6 +113,11 @@ void testAlert(AppCoordinator& coordinator) {
         coordinator.test(*rule);
 }
 
+void checkForUpdates(AppCoordinator& coordinator) {
+    if (auto* updater = coordinator.updater(); updater && updater->canCheckForUpdates().get())
+        updater->checkForUpdates();
+}
+
 // Where islands show on this computer's display.
 class Islands {
 public:
@@ -170,12 +177,15 @@ int run(QApplication& app, SingleInstance& instance, const QString& firstAction)
             testAlert(coordinator);
         else if (action == settingsAction)
             appWindows.open("settings");
+        else if (action == updatesAction)
+            checkForUpdates(coordinator);
         else if (action.isEmpty())
             menuWindow.open(tray.iconPlace());
     };
     UpdatePrompt updates(machine.loop());
     updates.onOpenPage = [&machine](const std::string& page) { machine.workspace().open(page); };
     updates.onSkip = [&machine](const std::string& version) { machine.updates().skip(version); };
+    updates.onGone = releaseMemory;
     machine.updates().onFinding = [&updates](const UpdateFinding& finding) { updates.show(finding); };
     machine.whenSettled([&] {
         delegate.applicationDidFinishLaunching();
@@ -214,10 +224,16 @@ int main(int argc, char** argv) {
             action = testAlertAction;
         } else if (argument == "--settings") {
             action = settingsAction;
+        } else if (argument == "--check-for-updates") {
+            action = updatesAction;
         } else {
             std::fprintf(stderr, "kivo: unknown option %s\n%s", argv[i], usage);
             return 2;
         }
+    }
+    if (action == updatesAction && std::string_view(KIVO_UPDATE_FEED).empty()) {
+        std::fputs("kivo: whoever installed this Kivo updates it, too\n", stderr);
+        return 1;
     }
     installTextCatalogue(linuxTexts());
     catchTermination();

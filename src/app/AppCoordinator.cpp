@@ -4,6 +4,7 @@
 #include "devices/SharedStore.h"
 #include "platform/Haptics.h"
 #include "platform/Machine.h"
+#include "platform/UpdateService.h"
 #include "platform/WidgetCenter.h"
 #include "platform/Workspace.h"
 #include "support/Text.h"
@@ -55,7 +56,8 @@ void AppCoordinator::start() {
     devices_.onChange =
         lifetime_.guard([this](const std::optional<std::vector<PowerDevice>>& previous,
                                const std::vector<PowerDevice>& current) { handleDevices(previous, current); });
-    updater_.emplace(machine_.updates());
+    if (machine_.updates().isAvailable())
+        updater_.emplace(machine_.updates());
     monitor_.start();
     devices_.start();
     energy_.start();

@@ -47,7 +47,7 @@ public:
     DeviceMonitor& devices() { return devices_; }
     EnergyMonitor& energy() { return energy_; }
     SystemAlertDismisser& dismisser() { return dismisser_; }
-    // A null pointer before `start`.
+    // A null pointer before `start`, and where updates come from elsewhere.
     Updater* updater() { return updater_ ? &*updater_ : nullptr; }
     LoginItem& loginItem() { return loginItem_; }
     Notifier& notifier() { return notifier_; }

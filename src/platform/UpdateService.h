@@ -12,6 +12,8 @@ class UpdateService {
 public:
     virtual ~UpdateService() = default;
 
+    // Whether this installation has such a framework at all. Asked before anything else; never changes.
+    virtual bool isAvailable() { return true; }
     // Begins the framework's own scheduled checks.
     virtual void start() = 0;
     virtual bool canCheckForUpdates() = 0;

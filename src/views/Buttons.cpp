@@ -46,7 +46,9 @@ void Button::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        click();
+        // A key that was held when the window came was meant for another one.
+        if (!event->isAutoRepeat())
+            click();
         break;
     case Qt::Key_Space:
     case Qt::Key_Select:

@@ -3,17 +3,13 @@
 
 #include <QScreen>
 
+#include <utility>
+
 namespace kivo {
 
-// A button of the window may be what closes it.
-void UpdatePrompt::LaterDeleted::operator()(UpdateWindow* window) const {
-    window->onPage = window->onSkip = window->onClose = nullptr;
-    window->hide();
-    window->deleteLater();
-}
-
 void UpdatePrompt::show(const UpdateFinding& finding) {
-    window_.reset(new UpdateWindow(loop_, updateNotice(finding)));
+    close();
+    window_ = std::make_unique<UpdateWindow>(loop_, updateNotice(finding));
     window_->onPage = [this, page = finding.page] {
         close();
         if (onOpenPage)
@@ -35,7 +31,16 @@ void UpdatePrompt::show(const UpdateFinding& finding) {
 }
 
 void UpdatePrompt::close() {
-    window_.reset();
+    if (!window_)
+        return;
+    // It may be one of its own buttons that asks: it goes once that has returned.
+    window_->hide();
+    leaving_.push_back(std::move(window_));
+    loop_.post(lifetime_.guard([this] {
+        leaving_.clear();
+        if (onGone)
+            onGone();
+    }));
 }
 
 } // namespace kivo

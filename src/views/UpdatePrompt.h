@@ -2,11 +2,14 @@
 #pragma once
 
 #include "platform/UpdateFinding.h"
+#include "support/Lifetime.h"
+#include "support/MainLoop.h"
 #include "views/UpdateWindow.h"
 
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace kivo {
 
@@ -23,14 +26,14 @@ public:
     // Callbacks out
     std::function<void(const std::string& page)> onOpenPage;
     std::function<void(const std::string& version)> onSkip;
+    // The window is gone, and what it held.
+    std::function<void()> onGone;
 
 private:
-    struct LaterDeleted {
-        void operator()(UpdateWindow* window) const;
-    };
-
     MainLoop& loop_;
-    std::unique_ptr<UpdateWindow, LaterDeleted> window_;
+    std::unique_ptr<UpdateWindow> window_;
+    std::vector<std::unique_ptr<UpdateWindow>> leaving_;
+    Lifetime lifetime_;
 };
 
 } // namespace kivo

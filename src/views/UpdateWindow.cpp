@@ -163,10 +163,9 @@ Button& UpdateWindow::addButton(const std::string& title, bool isPrimary, std::f
     Button& button = *buttons_.back();
     button.setText(toQString(title));
     button.setAccessibleName(toQString(title));
-    // Copies are called: what a callback does may take the callback away.
     connect(&button, &QAbstractButton::clicked, this, [&callback] {
-        if (const auto call = callback)
-            call();
+        if (callback)
+            callback();
     });
     return button;
 }
@@ -266,8 +265,8 @@ void UpdateWindow::keyPressEvent(QKeyEvent* event) {
 
 void UpdateWindow::closeEvent(QCloseEvent* event) {
     event->ignore(); // whoever owns it takes it away
-    if (const auto call = onClose)
-        call();
+    if (onClose)
+        onClose();
 }
 
 void UpdateWindow::changeEvent(QEvent* event) {

@@ -230,6 +230,7 @@ TEST(LinuxUpdateService, withoutAFeedAndAKeyNothingHappens) {
                                                      {"https://x", "KEY", "1.5", ""},
                                                      {}}) {
         Process process(source);
+        EXPECT_FALSE(process.service->isAvailable());
         EXPECT_FALSE(process.service->canCheckForUpdates());
         EXPECT_FALSE(process.service->automaticallyChecksForUpdates());
         process.service->setAutomaticallyChecksForUpdates(true);

@@ -24,10 +24,11 @@ UpdateFinding available(std::vector<std::string> notes = {"Something new"}) {
 struct Prompt {
     Prompt() {
         prompt.onOpenPage = [this](const std::string& page) { heard.push_back("open " + page); };
+        prompt.onGone = [this] { ++gone; };
         prompt.onSkip = [this](const std::string& version) { heard.push_back("skip " + version); };
     }
-    static UpdateWindow* window() {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    UpdateWindow* window() {
+        loop.runPosted();
         UpdateWindow* found = nullptr;
         for (QWidget* widget : QApplication::topLevelWidgets()) {
             if (auto* one = dynamic_cast<UpdateWindow*>(widget)) {
@@ -37,14 +38,14 @@ struct Prompt {
         }
         return found;
     }
-    static QAbstractButton* button(const char* title) {
+    QAbstractButton* button(const char* title) {
         for (auto* one : window()->findChildren<QAbstractButton*>()) {
             if (one->text() == QLatin1String(title))
                 return one;
         }
         return nullptr;
     }
-    static Lines buttons() {
+    Lines buttons() {
         Lines titles;
         for (auto* one : window()->findChildren<QAbstractButton*>())
             titles.push_back(one->text().toStdString());
@@ -53,6 +54,7 @@ struct Prompt {
 
     VirtualLoop loop;
     Lines heard;
+    int gone = 0;
     UpdatePrompt prompt{loop};
 };
 
@@ -73,6 +75,7 @@ TEST(UpdatePrompt, eachButtonDoesItsPartAndClosesTheWindow) {
         EXPECT_EQ(prompt.heard, row.heard);
         EXPECT_FALSE(prompt.prompt.isOpen());
         EXPECT_EQ(prompt.window(), nullptr);
+        EXPECT_EQ(prompt.gone, 1);
     }
 }
 
@@ -101,6 +104,17 @@ TEST(UpdatePrompt, aNewerFindingTakesTheOlderOnesPlace) {
     prompt.window()->close(); // by the desktop
     EXPECT_EQ(prompt.window(), nullptr);
     EXPECT_EQ(prompt.heard, Lines{});
+}
+
+TEST(UpdatePrompt, aKeyThatWasHeldBeforeIsNotMeantForIt) {
+    Prompt prompt;
+    prompt.prompt.show(available());
+    for (const bool isHeld : {true, false}) {
+        ASSERT_NE(prompt.window(), nullptr);
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), isHeld);
+        QCoreApplication::sendEvent(prompt.button("Open Download Page"), &enter);
+    }
+    EXPECT_EQ(prompt.heard, Lines{"open https://example.org/kivo"});
 }
 
 TEST(UpdatePrompt, everythingFitsHoweverLittleRoomThereIs) {

@@ -35,7 +35,7 @@ LinuxUpdateService::LinuxUpdateService(MainLoop& loop, ProcessRunner& runner, Us
 }
 
 void LinuxUpdateService::start() {
-    if (!isOn() || std::exchange(isStarted_, true))
+    if (!isAvailable() || std::exchange(isStarted_, true))
         return;
     schedule();
     listeners_.notify();
@@ -55,11 +55,11 @@ void LinuxUpdateService::checkForUpdates() {
 
 bool LinuxUpdateService::automaticallyChecksForUpdates() {
     const auto stored = defaults_.value(automaticKey);
-    return isOn() && (!stored || stored->boolean().value_or(true));
+    return isAvailable() && (!stored || stored->boolean().value_or(true));
 }
 
 void LinuxUpdateService::setAutomaticallyChecksForUpdates(bool isAutomatic) {
-    if (!isOn())
+    if (!isAvailable())
         return;
     defaults_.set(automaticKey, isAutomatic);
     schedule();

@@ -33,6 +33,7 @@ public:
     LinuxUpdateService(MainLoop& loop, ProcessRunner& runner, UserDefaults& defaults, LogSink& log,
                        Source source);
 
+    bool isAvailable() override { return version_.has_value(); }
     void start() override;
     bool canCheckForUpdates() override;
     Subscription observeCanCheckForUpdates(std::function<void()> listener) override;
@@ -49,7 +50,6 @@ public:
     std::function<void(const UpdateFinding& finding)> onFinding;
 
 private:
-    bool isOn() const { return version_.has_value(); }
     void check(bool isManual);
     void finish(const std::optional<std::string>& output);
     UpdateFinding judge(const std::optional<std::string>& output);
