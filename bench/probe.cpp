@@ -4,8 +4,11 @@
 //
 // Commands on standard input, a line each; the answer is the nanoseconds from just before the signal was sent
 // until the outcome arrived, or "none" after a second:
-//   notify WHO     until a notification is posted     present WHO    until a window of an island's size is
-//   painted foreign N      N signals of other objects; answers "done"
+//   notify WHO     until a notification is posted
+//   present WHO    until a window of an island's size is painted
+//   foreign N      N signals of other objects; answers "done"
+//   open NAME      a click on the tray item with this bus name, until a window of the menu's size is painted
+//   click NAME     the same without waiting; answers "done"
 // WHO is `laptop` (the devices that UPower lists) or `floor` (one that it does not list). Each turn flips the
 // charger. The first line printed is this program's unique name on the system bus.
 
@@ -149,6 +152,8 @@ public:
 
     int descriptor() const { return xcb_get_file_descriptor(connection_); }
 
+    bool awaitsMenu = false;
+
     // The moment of the last painting of an island-sized area, or what it was before.
     void process(std::int64_t& painted) {
         while (auto* event = xcb_poll_for_event(connection_)) {
@@ -175,8 +180,11 @@ private:
 
     void damaged(const xcb_damage_notify_event_t& event, std::int64_t& painted) {
         const auto& all = event.geometry;
+        const bool isMenu = all.width == 340 && all.height > 320;
         const bool isIsland = all.width >= 120 && all.width <= 640 && all.height >= 40 && all.height <= 320;
-        if (isIsland && event.area.width >= 60 && event.area.height >= 20 && painted == 0)
+        const bool isWanted = awaitsMenu ? isMenu && event.area.width >= 300 && event.area.height >= 300
+                                         : isIsland && event.area.width >= 60 && event.area.height >= 20;
+        if (isWanted && painted == 0)
             painted = now();
     }
 
@@ -221,6 +229,18 @@ void sendForeign(int count) {
     }
 }
 
+void click(const std::string& item) {
+    sd_bus_message* call = nullptr;
+    check(sd_bus_message_new_method_call(sessionBus, &call, item.c_str(), "/StatusNotifierItem",
+                                         "org.kde.StatusNotifierItem", "Activate"),
+          "click");
+    check(sd_bus_message_append(call, "ii", 16, 16), "click");
+    check(sd_bus_message_set_expect_reply(call, 0), "click");
+    check(sd_bus_send(sessionBus, call, nullptr), "click");
+    sd_bus_message_unref(call);
+    check(sd_bus_flush(sessionBus), "flush");
+}
+
 void turn(Painting& painting, std::int64_t& painted, int milliseconds) {
     pollfd waits[] = {{0, POLLIN, 0},
                       {sd_bus_get_fd(systemBus), POLLIN, 0},
@@ -241,17 +261,18 @@ void command(const std::string& what, const std::string& argument, Painting& pai
         std::puts("done");
         return;
     }
-    if (what == "flip") {
-        flip(argument);
+    if (what == "flip" || what == "click") {
+        what == "flip" ? flip(argument) : click(argument);
         std::puts("done");
         return;
     }
+    painting.awaitsMenu = what == "open";
     std::int64_t painted = 0;
     turn(painting, painted, 0);
     painted = notified = 0;
     const std::int64_t& outcome = what == "notify" ? notified : painted;
     const std::int64_t sent = now();
-    flip(argument);
+    painting.awaitsMenu ? click(argument) : flip(argument);
     while (outcome == 0 && now() - sent < 1'000'000'000)
         turn(painting, painted, 100);
     if (outcome != 0)
@@ -297,8 +318,8 @@ int main() {
         char line[80];
         if (!std::fgets(line, sizeof line, stdin))
             return 0;
-        char what[40] = {}, argument[40] = {};
-        if (std::sscanf(line, "%39s %39s", what, argument) == 2)
+        char what[40] = {}, argument[64] = {};
+        if (std::sscanf(line, "%39s %63s", what, argument) == 2)
             command(what, argument, painting);
     }
 }
