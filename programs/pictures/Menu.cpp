@@ -231,6 +231,38 @@ QImage sideBySide(const QImage& first, const QImage& second) {
     return image;
 }
 
+// The charger stops at its limit and the emptiest device is recharged, frame by frame.
+void paintFilm(const QDir& folder) {
+    QGuiApplication::setPalette(palette(false));
+    VirtualLoop loop;
+    SymbolPainter symbols;
+    MenuWindow window(loop, symbols, false);
+    MenuSource source =
+        withDevices(laptop({.level = 64, .source = Source::ac, .isCharging = true, .minutesToFull = 52}));
+    source.devices.resize(3);
+    window.setContent(menuContent(source));
+    window.show();
+    source.snapshot = BatterySnapshot{.level = 80, .source = Source::ac};
+    source.devices[0].level = 60;
+    source.devices[0].isCharging = true;
+    std::swap(source.devices[0], source.devices[1]);
+    constexpr double times[] = {0, 0.05, 0.1, 0.15, 0.2, 0.3, 0.4, 0.6, 0.8, 1.2};
+    constexpr int columns = 5;
+    const QSize cell(360, 520);
+    QImage sheet(cell.width() * columns, cell.height() * 2, QImage::Format_RGB32);
+    sheet.fill(QColor(88, 126, 178));
+    QPainter painter(&sheet);
+    for (int i = 0; i < static_cast<int>(std::size(times)); ++i) {
+        if (i == 1)
+            window.setContent(menuContent(source));
+        loop.advance(kivo::seconds(i == 0 ? 0.5 : times[i] - times[i - 1]));
+        const QPoint corner(i % columns * cell.width(), i / columns * cell.height());
+        painter.drawText(corner + QPoint(12, 14), QString::number(times[i], 'f', 2) + QStringLiteral(" s"));
+        window.render(&painter, corner + QPoint(10, 20), QRegion(), QWidget::DrawChildren);
+    }
+    sheet.save(folder.filePath(QStringLiteral("film-menu.png")));
+}
+
 } // namespace
 
 void paintMenus(const QDir& folder) {
@@ -241,4 +273,5 @@ void paintMenus(const QDir& folder) {
                 .save(folder.filePath(QStringLiteral("menu-%1-%2x.png").arg(name).arg(scale)));
         }
     }
+    paintFilm(folder);
 }
