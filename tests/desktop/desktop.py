@@ -312,7 +312,10 @@ class Desktop:
             stream = connection.makefile('rw')
             stream.write(json.dumps(command) + '\n')
             stream.flush()
-            verdict, answer = json.loads(stream.readline())
+            line = stream.readline()
+        if not line:
+            raise Failure(f'hardware {command}: the emulated hardware has ended')
+        verdict, answer = json.loads(line)
         if verdict != 'ok':
             raise Failure(f'hardware {command}: {answer}')
         return answer

@@ -34,9 +34,9 @@ FAULTS = [
 # It says nothing more, at any message.
 SILENCES = [
     *((request, 'silent', False) for request in ('QueryType', 'GetValue:ProductVersion', 'StartSession', BATTERY)),
-    ('StartSession', 'no-tls', False), ('GetValue:DeviceName', 'silent', True), ('GetValue:DeviceClass', 'silent', True),
-    ('StartService', 'silent', True), ('RelayTls', 'silent', True), (RELAY, 'silent', True), ('Goodbye', 'silent', True),
-    ('StopSession', 'silent', True),
+    ('StartSession', 'no-tls', False),
+    *((request, 'silent', True) for request in ('GetValue:DeviceName', 'GetValue:DeviceClass', 'StartService', 'RelayTls',
+                                                RELAY, 'Goodbye', 'StopSession')),
 ]
 
 

@@ -142,7 +142,8 @@ class Phone:
             properties = {'ConnectionType': 'Network', 'NetworkAddress': address, 'InterfaceIndex': 1,
                           'EscapedFullServiceName': '00:11:22:33:44:55@fe80::1._apple-mobdev2._tcp.local.'}
         else:
-            properties = {'ConnectionType': 'USB', 'ConnectionSpeed': 480000000, 'LocationID': 65542, 'ProductID': 0x12a8}
+            properties = {'ConnectionType': 'USB', 'ConnectionSpeed': 480000000, 'LocationID': 65542,
+                          'ProductID': 0x12a8}
         return {'MessageType': 'Attached', 'DeviceID': self.number,
                 'Properties': {**properties, 'DeviceID': self.number, 'SerialNumber': self.identifier}}
 
@@ -226,71 +227,77 @@ class Phone:
 
     def lockdown(self, connection):
         has_session, tls = False, self.multiplexer.certificates
-        while True:
-            request = self._requests(connection)
-            name, key = request.get('Request', ''), request.get('Key')
-            self.multiplexer.say(self.identifier, 'lockdown', name, request.get('Domain', ''), key or '')
-            reply, faults, starts_tls = {'Request': name}, [name], False
-            if name == 'QueryType':
-                reply['Type'] = 'com.apple.mobile.lockdown'
-            elif name == 'GetValue':
-                domain = request.get('Domain', '')
-                faults = [f'GetValue:{key or domain}', name]
-                values = self.values(domain)
-                if domain and not has_session:
-                    reply['Error'] = 'GetProhibited'
-                elif key is None:
-                    reply['Value'] = values
-                elif key in values:
-                    reply['Value'] = values[key]
+        try:
+            while True:
+                request = self._requests(connection)
+                name, key = request.get('Request', ''), request.get('Key')
+                self.multiplexer.say(self.identifier, 'lockdown', name, request.get('Domain', ''), key or '')
+                reply, faults, starts_tls = {'Request': name}, [name], False
+                if name == 'QueryType':
+                    reply['Type'] = 'com.apple.mobile.lockdown'
+                elif name == 'GetValue':
+                    domain = request.get('Domain', '')
+                    faults = [f'GetValue:{key or domain}', name]
+                    values = self.values(domain)
+                    if domain and not has_session:
+                        reply['Error'] = 'GetProhibited'
+                    elif key is None:
+                        reply['Value'] = values
+                    elif key in values:
+                        reply['Value'] = values[key]
+                    else:
+                        reply['Error'] = 'MissingValue'
+                elif name in ('ValidatePair', 'StartSession'):
+                    host = request.get('HostID') or request.get('PairRecord', {}).get('HostID')
+                    if not self.is_paired or host != self.host_id:
+                        reply['Error'] = 'InvalidHostID'
+                    elif self.is_locked:
+                        reply['Error'] = 'PasswordProtected'
+                    elif name == 'StartSession':
+                        has_session, starts_tls = True, tls is not None
+                        reply.update(SessionID=str(uuid.uuid4()).upper(), EnableSessionSSL=starts_tls)
+                elif name == 'StartService':
+                    if not has_session:
+                        reply['Error'] = 'SessionInactive'
+                    elif request.get('Service') != RELAY:
+                        reply['Error'] = 'InvalidService'
+                    else:
+                        reply.update(Service=RELAY, Port=self.open(self.relay), EnableServiceSSL=tls is not None)
+                elif name == 'StopSession':
+                    has_session = False
+                elif name == 'Pair':
+                    reply['Error'] = 'PairingDialogResponsePending'
                 else:
-                    reply['Error'] = 'MissingValue'
-            elif name in ('ValidatePair', 'StartSession'):
-                host = request.get('HostID') or request.get('PairRecord', {}).get('HostID')
-                if not self.is_paired or host != self.host_id:
-                    reply['Error'] = 'InvalidHostID'
-                elif self.is_locked:
-                    reply['Error'] = 'PasswordProtected'
-                elif name == 'StartSession':
-                    has_session, starts_tls = True, tls is not None
-                    reply.update(SessionID=str(uuid.uuid4()).upper(), EnableSessionSSL=starts_tls)
-            elif name == 'StartService':
-                if not has_session:
-                    reply['Error'] = 'SessionInactive'
-                elif request.get('Service') != RELAY:
-                    reply['Error'] = 'InvalidService'
-                else:
-                    reply.update(Service=RELAY, Port=self.open(self.relay), EnableServiceSSL=tls is not None)
-            elif name == 'StopSession':
-                has_session = False
-            elif name == 'Pair':
-                reply['Error'] = 'PairingDialogResponsePending'
-            else:
-                reply['Error'] = 'InvalidRequest'
-            fault = self._answer(connection, faults, reply)
-            if starts_tls and fault == 'no-tls':
-                be_silent(connection)
-            elif starts_tls and 'Error' not in reply:
-                connection = self._with_tls(connection)
-            elif name == 'StopSession' and isinstance(connection, ssl.SSLSocket):
-                connection = connection.unwrap()
+                    reply['Error'] = 'InvalidRequest'
+                fault = self._answer(connection, faults, reply)
+                if starts_tls and fault == 'no-tls':
+                    be_silent(connection)
+                elif starts_tls and 'Error' not in reply:
+                    connection = self._with_tls(connection)
+                elif name == 'StopSession' and isinstance(connection, ssl.SSLSocket):
+                    connection = connection.unwrap()
+        finally:
+            connection.close()  # which may be another one by now
 
     def relay(self, connection):
         if self.multiplexer.certificates:
             if self._fault('RelayTls'):
                 be_silent(connection)
             connection = self._with_tls(connection)
-        while True:
-            request = self._requests(connection)
-            name = request.get('Request', '')
-            entry_name, entry_class = request.get('EntryName'), request.get('EntryClass')
-            self.multiplexer.say(self.identifier, 'relay', name, entry_name or entry_class or '')
-            reply = {'Status': 'Success' if name in ('IORegistry', 'Goodbye') else 'UnknownRequest'}
-            if name == 'IORegistry':
-                reply['Diagnostics'] = {'IORegistry': self.registry(entry_name, entry_class)}
-            self._answer(connection, [f'IORegistry:{entry_name or entry_class}', name], reply)
-            if name == 'Goodbye':
-                raise HungUp
+        try:
+            while True:
+                request = self._requests(connection)
+                name = request.get('Request', '')
+                entry_name, entry_class = request.get('EntryName'), request.get('EntryClass')
+                self.multiplexer.say(self.identifier, 'relay', name, entry_name or entry_class or '')
+                reply = {'Status': 'Success' if name in ('IORegistry', 'Goodbye') else 'UnknownRequest'}
+                if name == 'IORegistry':
+                    reply['Diagnostics'] = {'IORegistry': self.registry(entry_name, entry_class)}
+                self._answer(connection, [f'IORegistry:{entry_name or entry_class}', name], reply)
+                if name == 'Goodbye':
+                    raise HungUp
+        finally:
+            connection.close()  # which may be another one by now
 
     def _answer(self, connection, requests, reply):
         fault = self._fault(*requests)
