@@ -42,14 +42,16 @@ AlertsTab::~AlertsTab() = default;
 
 void AlertsTab::addFamily(const AlertsPaneContent::Section& content) {
     auto* card = new Card(ruleInset);
+    QWidget* add = nullptr;
     if (content.canAdd) {
         auto* button = new FormButton(kit_, FormButton::Kind::link, texts_.add, "plus");
         button->setAccessibleDescription(QString::fromStdString(content.title));
         connect(button, &FormButton::clicked, this,
                 [this, family = content.family] { model_.alerts().addRule(family); });
-        card->addRow(addRow(button));
+        add = addRow(button);
+        card->addRow(add);
     }
-    families_.push_back({card, {}});
+    families_.push_back({card, add, {}});
     auto* symbol = new SymbolBlock(kit_, content.symbol, content.color, 18);
     static_cast<QVBoxLayout*>(layout())->addWidget(section(content.title, content.detail, symbol, card));
 }
@@ -58,6 +60,7 @@ void AlertsTab::refresh() {
     const AlertsPaneContent content = model_.alerts().content();
     for (std::size_t i = 0; i < families_.size() && i < content.sections.size(); ++i)
         showRules(families_[i], content.sections[i].rules);
+    orderFocus(this);
 }
 
 void AlertsTab::showRules(Family& family, const std::vector<AlertsPaneContent::Rule>& rules) {
@@ -74,6 +77,9 @@ void AlertsTab::showRules(Family& family, const std::vector<AlertsPaneContent::R
         auto* rule = new RuleView(kit_, texts_, actions);
         family.card->insertRow(static_cast<int>(family.rules.size()), rule);
         family.rules.push_back(rule);
+        // Below them, also for the keyboard and for readers.
+        if (family.addRow)
+            family.addRow->raise();
     }
     while (family.rules.size() > rules.size()) {
         RuleView* last = family.rules.back();

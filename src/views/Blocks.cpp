@@ -235,10 +235,23 @@ QWidget* section(const std::string& title, const std::string& detail, SymbolBloc
 
 // Page
 
-Page::Page(QWidget* content, int wanted) : wanted_(wanted) {
+void orderFocus(QWidget* root) {
+    QWidget* previous = nullptr;
+    for (QWidget* widget : root->findChildren<QWidget*>()) {
+        if (!(widget->focusPolicy() & Qt::TabFocus))
+            continue;
+        if (previous)
+            QWidget::setTabOrder(previous, widget);
+        previous = widget;
+    }
+}
+
+Page::Page(QWidget* content, const std::string& spoken, int wanted) : wanted_(wanted) {
+    setAccessibleName(toQString(spoken));
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBar(new ThinScrollBar);
+    verticalScrollBar()->setAccessibleName(toQString(spoken));
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
     auto* holder = new QWidget;

@@ -3,6 +3,7 @@
 
 #include "ui/SettingsModel.h"
 #include "views/Convert.h"
+#include "views/Spoken.h"
 #include "views/Surface.h"
 #include "views/Typeface.h"
 
@@ -60,8 +61,9 @@ QWidget* emptyState(Kit& kit, const EnergyPaneContent::Empty& empty) {
 } // namespace
 
 // One application: its icon, its name, what it used and a bar of its share.
-class EnergyRowView final : public QWidget {
+class EnergyRowView final : public QWidget, public Spoken {
 public:
+    QAccessible::Role role() const override { return QAccessible::ListItem; }
     explicit EnergyRowView(Kit& kit) : kit_(kit) {
         setFixedHeight(46);
         setFocusPolicy(Qt::NoFocus);

@@ -6,7 +6,9 @@
 #include "views/Surface.h"
 #include "views/Typeface.h"
 
+#include <QAccessibleActionInterface>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -55,6 +57,11 @@ double shrunk(const Moving& pressed) {
     return 1 - (1 - pressedScale) * pressed.value();
 }
 
+// Enter presses a button as Space does.
+bool isEnter(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
 } // namespace
 
 bool showsFocus(const QWidget& control) {
@@ -70,6 +77,13 @@ FormButton::FormButton(Kit& kit, Kind kind, const std::string& text, std::string
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     connect(this, &QPushButton::pressed, this, [this] { pressed_.go(1, animations::press); });
     connect(this, &QPushButton::released, this, [this] { pressed_.go(0, animations::press); });
+}
+
+void FormButton::keyPressEvent(QKeyEvent* event) {
+    if (isEnter(*event))
+        click();
+    else
+        QPushButton::keyPressEvent(event);
 }
 
 QSize FormButton::sizeHint() const {
@@ -227,6 +241,17 @@ void Disclosure::setTexts(const std::string& title, const std::string& detail) {
     setAccessibleDescription(detail_);
     updateGeometry();
     update();
+}
+
+QString Disclosure::actionName() const {
+    return QAccessibleActionInterface::pressAction();
+}
+
+void Disclosure::keyPressEvent(QKeyEvent* event) {
+    if (isEnter(*event))
+        click();
+    else
+        QPushButton::keyPressEvent(event);
 }
 
 void Disclosure::setMark(Color color) {

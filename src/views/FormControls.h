@@ -3,6 +3,7 @@
 
 #include "ui/Ink.h"
 #include "views/Kit.h"
+#include "views/Spoken.h"
 
 #include <QCheckBox>
 #include <QPushButton>
@@ -34,6 +35,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QColor ink() const;
@@ -68,7 +70,7 @@ private:
 
 // The head of something that unfolds: a mark or a symbol, a title, a line under it, a chevron. Checked while
 // it is unfolded.
-class Disclosure final : public QPushButton {
+class Disclosure final : public QPushButton, public Spoken {
 public:
     explicit Disclosure(Kit& kit);
 
@@ -81,8 +83,14 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+    QAccessible::Role role() const override { return QAccessible::Button; }
+    QString actionName() const override;
+    void act() override { click(); }
+    std::optional<bool> unfoldedState() const override { return isChecked(); }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QRect titleBox(int width) const;

@@ -5,6 +5,7 @@
 #include "views/Blocks.h"
 #include "views/Convert.h"
 #include "views/IntroductionPages.h"
+#include "views/Spoken.h"
 #include "views/Surface.h"
 
 #include <QGridLayout>
@@ -27,9 +28,10 @@ constexpr double turnDistance = 56; // points that a page comes from the side
 } // namespace
 
 // A dot for each step, the current one longer.
-class ProgressDots final : public QWidget {
+class ProgressDots final : public QWidget, public Spoken {
 public:
     ProgressDots(Kit& kit, int count) : count_(count), place_(kit, *this) { setFixedSize(count * gap + 14, 8); }
+    QAccessible::Role role() const override { return QAccessible::StaticText; }
     void show(int current, const std::string& spoken) {
         place_.go(current, animations::settle);
         setAccessibleName(toQString(spoken));
@@ -147,9 +149,11 @@ void IntroductionWindow::showPage() {
     step_ = content.step;
     shown_ = introductionPage(kit(), model_->onboarding(), content).release();
     delete page_;
-    page_ = new Page(shown_, columnWidth);
-    page_->setAccessibleName(toQString(content.title));
+    page_ = new Page(shown_, content.title, columnWidth);
     static_cast<QVBoxLayout*>(centralWidget()->layout())->insertWidget(0, page_, 1);
+    // Before the footer, also for the keyboard and for readers.
+    page_->lower();
+    orderFocus(centralWidget());
     refresh();
 }
 

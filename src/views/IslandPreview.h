@@ -4,16 +4,18 @@
 #include "overlay/IslandDemo.h"
 #include "views/IslandPainter.h"
 #include "views/Kit.h"
+#include "views/Spoken.h"
 
 #include <QWidget>
 
 namespace kivo {
 
 // The miniature screen on which an island comes and goes. It runs while it can be seen.
-class IslandPreview final : public QWidget {
+class IslandPreview final : public QWidget, public Spoken {
 public:
     explicit IslandPreview(Kit& kit);
 
+    QAccessible::Role role() const override { return QAccessible::Graphic; }
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {200, heightForWidth(200)}; }
     bool hasHeightForWidth() const override { return true; }

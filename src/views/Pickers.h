@@ -3,6 +3,7 @@
 
 #include "support/Color.h"
 #include "views/Kit.h"
+#include "views/Spoken.h"
 
 #include <QComboBox>
 #include <QSlider>
@@ -18,8 +19,9 @@ class QAbstractButton;
 namespace kivo {
 
 // A choice of which all options are in view. Arrow keys move it.
-class ChoiceRow : public QWidget {
+class ChoiceRow : public QWidget, public Spoken {
 public:
+    QAccessible::Role role() const override { return QAccessible::Grouping; }
     int chosen() const;
     // Without telling anybody.
     void show(int index);

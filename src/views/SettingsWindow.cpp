@@ -79,9 +79,9 @@ void SettingsWindow::choose(SettingsTab tab) {
 void SettingsWindow::showTab(SettingsTab tab) {
     delete page_;
     tab_ = makeTab(tab).release();
-    page_ = new Page(tab_);
-    page_->setAccessibleName(strip_->tabText(strip_->currentIndex()));
+    page_ = new Page(tab_, strip_->tabText(static_cast<int>(tab)).toStdString());
     static_cast<QVBoxLayout*>(centralWidget()->layout())->addWidget(page_, 1);
+    orderFocus(centralWidget());
 }
 
 std::unique_ptr<SettingsTabView> SettingsWindow::makeTab(SettingsTab tab) {

@@ -21,6 +21,11 @@ public:
             state.checkable = true;
             state.checked = *checked;
         }
+        if (const auto unfolded = spoken_.unfoldedState()) {
+            state.expandable = true;
+            state.expanded = *unfolded;
+            state.collapsed = !*unfolded;
+        }
         return state;
     }
     QStringList actionNames() const override {

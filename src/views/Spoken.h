@@ -19,6 +19,8 @@ public:
     virtual void act() {}
     // Absent for what is not switched on and off.
     virtual std::optional<bool> checkedState() const { return std::nullopt; }
+    // Absent for what does not unfold.
+    virtual std::optional<bool> unfoldedState() const { return std::nullopt; }
 
 protected:
     // The first one made tells Qt of them all.
