@@ -67,6 +67,23 @@ TEST(LoginItem, showsWhatThePlatformDidAndWhyNot) {
     EXPECT_FALSE(item.errorMessage().get());
 }
 
+TEST(LoginItem, aChangeThatEndsLaterIsShownWhenItDoes) {
+    Login login;
+    auto item = std::make_unique<LoginItem>(login, login);
+    item->setEnabled(true);
+    login.enabled = false;
+    login.onLateOutcome("denied");
+    EXPECT_FALSE(item->isEnabled().get());
+    EXPECT_TRUE(item->errorMessage().get());
+    login.enabled = true;
+    login.onLateOutcome(std::nullopt);
+    EXPECT_TRUE(item->isEnabled().get());
+    EXPECT_FALSE(item->errorMessage().get());
+    item.reset();
+    login.onLateOutcome("nobody hears it");
+    EXPECT_EQ(login.lines, std::vector<std::string>{"Login item change failed: denied"});
+}
+
 TEST(Updater, startsTheFrameworkAndFollowsWhetherItCanCheck) {
     Framework framework;
     auto updater = std::make_unique<Updater>(framework);

@@ -5,38 +5,20 @@
 #include "linux/LinuxProcessRunner.h"
 #include "linux/PrivateBus.h"
 #include "linux/QtLoop.h"
-#include "platform/UserDefaults.h"
+#include "linux_base/MemoryDefaults.h"
+#include "linux_base/RecordedLog.h"
 
 #include <gtest/gtest.h>
-
-#include <map>
 
 namespace kivo {
 namespace {
 
 using Kind = UpdateFinding::Kind;
 
-struct MemoryDefaults final : UserDefaults {
-    std::optional<PropertyValue> value(std::string_view key) override {
-        const auto found = values.find(std::string(key));
-        return found == values.end() ? std::nullopt : std::optional(found->second);
-    }
-    void set(std::string_view key, PropertyValue value) override {
-        values[std::string(key)] = std::move(value);
-    }
-    void remove(std::string_view key) override { values.erase(std::string(key)); }
-    std::map<std::string, PropertyValue> values;
-};
-
 struct NoRegistry final : DeviceRegistry {
     std::optional<std::vector<std::optional<Dictionary>>> matchingServices(std::string_view) override {
         return {};
     }
-};
-
-struct SilentLog final : LogSink {
-    void log(LogLevel, std::string_view, std::string_view message) override { last = message; }
-    std::string last;
 };
 
 struct Installation {
@@ -81,7 +63,7 @@ struct Installation {
     NoRegistry registry;
     LinuxProcessRunner runner{loop, registry};
     MemoryDefaults defaults;
-    SilentLog log;
+    RecordedLog log;
 };
 
 TEST(LinuxUpdateService, aSignedFeedBecomesAFinding) {
@@ -89,7 +71,7 @@ TEST(LinuxUpdateService, aSignedFeedBecomesAFinding) {
     installation.publish("1.1", 4);
     auto finding = installation.check(installation.key);
     ASSERT_TRUE(finding);
-    EXPECT_EQ(finding->kind, Kind::available) << installation.log.last;
+    EXPECT_EQ(finding->kind, Kind::available) << testing::PrintToString(installation.log.lines());
     EXPECT_EQ(finding->releases.at(0).version, "1.1");
     installation.publish("1.0", 5);
     EXPECT_EQ(installation.check(installation.key)->kind, Kind::upToDate);

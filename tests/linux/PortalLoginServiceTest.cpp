@@ -4,33 +4,15 @@
 
 #include "app/LoginItem.h"
 #include "linux/ScriptedService.h"
-#include "platform/UserDefaults.h"
+#include "linux_base/MemoryDefaults.h"
+#include "linux_base/RecordedLog.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <gtest/gtest.h>
 
-#include <map>
-
 namespace kivo {
 namespace {
-
-struct MemoryDefaults final : UserDefaults {
-    std::optional<PropertyValue> value(std::string_view key) override {
-        const auto found = values.find(std::string(key));
-        return found == values.end() ? std::nullopt : std::optional(found->second);
-    }
-    void set(std::string_view key, PropertyValue value) override {
-        values[std::string(key)] = std::move(value);
-    }
-    void remove(std::string_view key) override { values.erase(std::string(key)); }
-    std::map<std::string, PropertyValue> values;
-};
-
-struct SilentLog final : LogSink {
-    void log(LogLevel, std::string_view, std::string_view message) override { last = message; }
-    std::string last;
-};
 
 struct Portal {
     // Where the portal puts its request: where newer ones do, or somewhere of its own.
@@ -83,7 +65,7 @@ struct Portal {
                        : call.createReply(QVariant::fromValue(QDBusObjectPath(pathFor(call))));
         }};
     MemoryDefaults defaults;
-    SilentLog log;
+    RecordedLog log;
     PortalLoginService login{bus.connection(), defaults};
     LoginItem item{login, log};
 };
@@ -119,10 +101,13 @@ TEST(PortalLoginService, aRefusalIsShown) {
         QVariantMap results;
         std::string log;
     } rows[] = {
-        {"by the user", 1, {}, "Login item change failed: The user did not allow it"},
-        {"given up", 2, {}, "Login item change failed: The desktop's background portal gave up"},
+        {"by the user", 1, {}, "error login-item: Login item change failed: The user did not allow it"},
+        {"given up",
+         2,
+         {},
+         "error login-item: Login item change failed: The desktop's background portal gave up"},
         {"by the desktop", 0, ended,
-         "Login item change failed: The desktop's background portal did not allow it"},
+         "error login-item: Login item change failed: The desktop's background portal did not allow it"},
     };
     for (const auto& row : rows) {
         Portal portal;
@@ -132,13 +117,13 @@ TEST(PortalLoginService, aRefusalIsShown) {
         EXPECT_TRUE(eventually([&] { return portal.item.errorMessage().get().has_value(); }, 20'000))
             << row.label;
         EXPECT_FALSE(portal.item.isEnabled().get()) << row.label;
-        EXPECT_EQ(portal.log.last, row.log);
+        EXPECT_EQ(portal.log.lines().back(), row.log);
     }
     Portal portal;
     portal.isRefused = true;
     portal.item.setEnabled(true);
     EXPECT_TRUE(eventually([&] { return portal.item.errorMessage().get().has_value(); }, 20'000));
-    EXPECT_EQ(portal.log.last, "Login item change failed: not here");
+    EXPECT_EQ(portal.log.lines().back(), "error login-item: Login item change failed: not here");
 }
 
 TEST(PortalLoginService, aNewerRequestTakesTheOlderOnesPlace) {
@@ -156,7 +141,7 @@ TEST(PortalLoginService, aNewerRequestTakesTheOlderOnesPlace) {
 
 TEST(PortalLoginService, withoutABusItFailsLater) {
     MemoryDefaults defaults;
-    SilentLog log;
+    RecordedLog log;
     PortalLoginService login(QDBusConnection(QStringLiteral("no such connection")), defaults);
     LoginItem item(login, log);
     item.setEnabled(true);

@@ -1,32 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/LinuxUpdateService.h"
 
+#include "linux_base/MemoryDefaults.h"
 #include "linux_base/RecordedLog.h"
 #include "platform/ProcessRunner.h"
-#include "platform/UserDefaults.h"
 #include "support/VirtualLoop.h"
 
 #include <gtest/gtest.h>
-
-#include <map>
 
 namespace kivo {
 namespace {
 
 using Kind = UpdateFinding::Kind;
 using Lines = std::vector<std::string>;
-
-struct MemoryDefaults final : UserDefaults {
-    std::optional<PropertyValue> value(std::string_view key) override {
-        const auto found = values.find(std::string(key));
-        return found == values.end() ? std::nullopt : std::optional(found->second);
-    }
-    void set(std::string_view key, PropertyValue value) override {
-        values[std::string(key)] = std::move(value);
-    }
-    void remove(std::string_view key) override { values.erase(std::string(key)); }
-    std::map<std::string, PropertyValue> values;
-};
 
 // Answers after a while with what the test says.
 struct Reader final : ProcessRunner {
