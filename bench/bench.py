@@ -92,6 +92,8 @@ class Probe:
         self.process.stdin.write(' '.join(map(str, command)) + '\n')
         self.process.stdin.flush()
         answer = self.process.stdout.readline().strip()
+        if command[0] == 'frames':
+            return [int(moment) for moment in answer.split()]
         return None if answer == 'none' else answer if answer == 'done' else int(answer) / 1e3
 
     def close(self):
@@ -156,6 +158,29 @@ def presentation(desktop, probe):
     compare("signal to the island's first frame", found, 1.5)
 
 
+def smoothness(desktop, probe):
+    """Ten alerts at the screen's 60 Hz: frames that come late, and paintings while the island holds still."""
+    kivo = desktop.spawn('kivo', [binary('kivo')])
+    settled(kivo)
+    probe.ask('present', 'laptop')
+    time.sleep(4.2)
+    dropped, drawn, paintings = 0, 0, []
+    for turn in range(10):
+        frames = probe.ask('frames', 'laptop')
+        time.sleep(0.4)
+        if not frames:
+            sys.exit('bench: an alert without an island')
+        growing = [moment for moment in frames if moment - frames[0] < 600_000]
+        drawn += len(growing)
+        dropped += sum(max(round((b - a) / 16_667) - 1, 0) for a, b in zip(growing, growing[1:]))
+        paintings.append(sum(1_700_000 < moment - frames[0] < 2_900_000 for moment in frames))
+    desktop.end(kivo)
+    print(f'    {drawn} frames while ten islands grew')
+    report('frames dropped in ten alerts at 60 Hz', dropped, None, '', absolute=0)
+    # The ring of a charging computer's island goes on; every other alert is one of unplugging and holds still.
+    report('paintings while five islands hold still', sum(sorted(paintings)[:5]), None, '', absolute=0)
+
+
 def compare(what, found, most):
     for who, values in found.items():
         if None in values:
@@ -173,8 +198,34 @@ def latency():
         try:
             decision(desktop, probe)
             presentation(desktop, probe)
+            smoothness(desktop, probe)
         finally:
             probe.close()
+
+
+def frames():
+    """A frame of an island in its first second beside a plain painting, and the memory after many islands."""
+    found = {}
+    for width, height in ((1920, 1080), (3840, 2160)):
+        with Desktop(tray=None, compositor=False, upower=False, notifications=False, sound=False,
+                     screen=f'{width}x{height}x24') as desktop:
+            env = {**desktop.env, 'X_SERVER': str(desktop.display.pid)}
+
+            def run(*words):
+                rows = subprocess.run([binary('bench-frames'), *words], env=env, stdout=subprocess.PIPE, text=True,
+                                      check=True).stdout.splitlines()
+                return {name: float(value) for name, value in map(str.split, rows)}
+            found[width] = run()
+            if width == 1920:
+                memory = run('memory')
+    small, large = found[1920], found[3840]
+    report('CPU of a frame, with the display server', small['island'], small['plain'], 'ms', 1.3)
+    report('the same with the glow, beside without', small['glow'], small['island'], 'ms', 1.5)
+    report('the same at 3840 x 2160, beside 1920 x 1080', large['island'], small['island'], 'ms', 1.15)
+    report('with the glow at 3840 x 2160', large['glow'], small['glow'], 'ms', 1.15)
+    for count in (1, 20, 100):
+        report(f'anonymous memory more after {count} islands', (memory[f'after{count}'] - memory['before']) / 1024, None,
+               'MB', absolute=3)
 
 
 def start():
@@ -283,7 +334,7 @@ def devices():
 
 
 def main():
-    parts = {'latency': latency, 'start': start, 'idle': idle, 'menu': menu, 'devices': devices,
+    parts = {'latency': latency, 'frames': frames, 'start': start, 'idle': idle, 'menu': menu, 'devices': devices,
              'ledger': lambda: program('ledger'), 'sampling': lambda: program('sampling')}
     wanted = sys.argv[2:] or list(parts)
     unknown = [name for name in wanted if name not in parts]

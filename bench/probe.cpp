@@ -9,6 +9,7 @@
 //   foreign N      N signals of other objects; answers "done"
 //   open NAME      a click on the tray item with this bus name, until a window of the menu's size is painted
 //   click NAME     the same without waiting; answers "done"
+//   frames WHO     the microseconds of each painting of such a window in the next 3.9 seconds, in one line
 // WHO is `laptop` (the devices that UPower lists) or `floor` (one that it does not list). Each turn flips the
 // charger. The first line printed is this program's unique name on the system bus.
 
@@ -26,6 +27,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -153,6 +155,8 @@ public:
     int descriptor() const { return xcb_get_file_descriptor(connection_); }
 
     bool awaitsMenu = false;
+    // The moments of all paintings since it was emptied; those of one frame count once.
+    std::vector<std::int64_t> frames;
 
     // The moment of the last painting of an island-sized area, or what it was before.
     void process(std::int64_t& painted) {
@@ -184,8 +188,13 @@ private:
         const bool isIsland = all.width >= 120 && all.width <= 640 && all.height >= 40 && all.height <= 320;
         const bool isWanted = awaitsMenu ? isMenu && event.area.width >= 300 && event.area.height >= 300
                                          : isIsland && event.area.width >= 60 && event.area.height >= 20;
-        if (isWanted && painted == 0)
-            painted = now();
+        if (!isWanted)
+            return;
+        const std::int64_t moment = now();
+        if (painted == 0)
+            painted = moment;
+        if (frames.empty() || moment - frames.back() > 4'000'000)
+            frames.push_back(moment);
     }
 
     xcb_connection_t* connection_;
@@ -269,6 +278,17 @@ void command(const std::string& what, const std::string& argument, Painting& pai
     painting.awaitsMenu = what == "open";
     std::int64_t painted = 0;
     turn(painting, painted, 0);
+    if (what == "frames") {
+        painting.frames.clear();
+        const std::int64_t begin = now();
+        flip(argument);
+        while (now() - begin < 3'900'000'000)
+            turn(painting, painted, 20);
+        for (const std::int64_t moment : painting.frames)
+            std::printf("%lld ", static_cast<long long>((moment - begin) / 1000));
+        std::puts("");
+        return;
+    }
     painted = notified = 0;
     const std::int64_t& outcome = what == "notify" ? notified : painted;
     const std::int64_t sent = now();

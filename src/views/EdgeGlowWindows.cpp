@@ -78,6 +78,8 @@ void EdgeGlowWindows::make(Color color, QScreen* screen, bool isCompositing) {
 
 void EdgeGlowWindows::paint(QPainter& painter, edgeglow::Edge edge, const QRect& part) {
     if (isCompositing_) {
+        // It takes the whole strip: a copy.
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.drawImage(QPointF(0, 0), edgeglow::paint(edge, screen_->geometry().size(), color_,
                                                          painter.device()->devicePixelRatio()));
         return;

@@ -247,7 +247,7 @@ class Desktop:
 
     def _start_display(self):
         out, into = os.pipe()
-        self.spawn('Xvfb', ['Xvfb', '-displayfd', str(into), '-screen', '0', self.screen, '-nolisten', 'tcp',
+        self.display = self.spawn('Xvfb', ['Xvfb', '-displayfd', str(into), '-screen', '0', self.screen, '-nolisten', 'tcp',
                             '-noreset'], pass_fds=[into])
         os.close(into)
         with os.fdopen(out) as number:
