@@ -93,9 +93,9 @@ void IslandPainter::paint(QPainter& painter, const IslandFrame& island, double s
 
 void IslandPainter::paintBody(QPainter& painter, const IslandFrame& island, double scale) {
     const QPainterPath body = toQPainterPath(island.body.path(island.frame));
-    shadow_.paint(painter, toQRectF(island.frame), island, scale);
     if (island.bodyOpacity <= 0)
         return;
+    shadow_.paint(painter, toQRectF(island.frame), island, scale);
     if (island.bodyOpacity < 1 && island.shadowOpacity > 0) {
         painter.save();
         painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);

@@ -76,7 +76,9 @@ void IslandShadow::paint(QPainter& painter, const QRectF& frame, const IslandFra
                                 QPointF(snapped(toX[i + 1]), snapped(toY[j + 1])));
             const QRectF source(QPointF(fromX[i], fromY[j]) * scale,
                                 QPointF(fromX[i + 1], fromY[j + 1]) * scale);
-            if (!target.isEmpty())
+            // The middle lies beneath the body, whatever its corners are.
+            const bool isHidden = i == 2 && j == 1;
+            if (!isHidden && !target.isEmpty())
                 painter.drawImage(target, image_, source);
         }
     }

@@ -15,7 +15,7 @@ public:
     // How far the light reaches out, in points.
     static constexpr double reach = 33;
 
-    // Paints around `frame` (with the nudge in it), also beneath the body.
+    // Paints around `frame` (with the nudge in it) and beneath the corners of the body.
     void paint(QPainter& painter, const QRectF& frame, const IslandFrame& island, double scale);
     // Blurs what `paint` will need; false when it is there already.
     bool prepare(const IslandFrame& island, double scale);

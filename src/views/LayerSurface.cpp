@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/LayerSurface.h"
 
+#include "views/PaintAlone.h"
 #include "views/SharedImages.h"
 #include "views/WaylandDisplay.h"
 
@@ -202,16 +203,18 @@ void LayerSurface::draw() {
     if (!image.isNull()) {
         isDirty_ = false;
         image.setDevicePixelRatio(scale);
-        image.fill(Qt::transparent);
-        QPainter painter(&image);
-        if (opacity_ < 1 || !master_.isNull()) {
-            master_ = master(pixels, scale);
-            painter.setOpacity(opacity_);
-            painter.drawImage(QPointF(0, 0), master_);
-        } else {
-            paint_(painter, QRect({}, place_.size()));
-        }
-        painter.end();
+        paintAlone([&] {
+            image.fill(Qt::transparent);
+            QPainter painter(&image);
+            if (opacity_ < 1 || !master_.isNull()) {
+                master_ = master(pixels, scale);
+                painter.setCompositionMode(QPainter::CompositionMode_Source);
+                painter.setOpacity(opacity_);
+                painter.drawImage(QPointF(0, 0), master_);
+            } else {
+                paint_(painter, QRect({}, place_.size()));
+            }
+        });
         wl_surface_attach(surface_, images_.take(), 0, 0);
         wl_surface_damage_buffer(surface_, 0, 0, pixels.width(), pixels.height());
     }

@@ -2,6 +2,7 @@
 #include "views/PaintedWindow.h"
 
 #include "views/DisplaySelection.h"
+#include "views/PaintAlone.h"
 
 #include <QBackingStore>
 #include <QPainter>
@@ -35,13 +36,14 @@ public:
             part = QRect({}, size());
         }
         store_.beginPaint(part);
-        QPainter painter(store_.paintDevice());
-        painter.setClipRect(part);
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(part, Qt::transparent);
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        paint_(painter, part);
-        painter.end();
+        paintAlone([&] {
+            QPainter painter(store_.paintDevice());
+            painter.setClipRect(part);
+            painter.setCompositionMode(QPainter::CompositionMode_Source);
+            painter.fillRect(part, Qt::transparent);
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+            paint_(painter, part);
+        });
         store_.endPaint();
         store_.flush(part);
     }

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace kivo {
 
@@ -152,6 +151,8 @@ void QtOverlayPanel::draw(const IslandFrame& frame) {
     QRectF changed = IslandPainter::bounds(frame);
     if (drawn_)
         changed |= IslandPainter::bounds(*drawn_);
+    if (!drawn_ || drawn_->token != frame.token)
+        prepareSoon();
     drawn_ = frame;
     placeIsland(wantedPlace(frame));
     if (!island_)
@@ -196,17 +197,14 @@ void QtOverlayPanel::paintIsland(QPainter& painter) {
         frame.bodyOpacity = 1;
     }
     scale_ = painter.device()->devicePixelRatio();
-    const bool isFirst = std::exchange(paintedToken_, frame.token) != frame.token;
     painter.translate(-island_->place().topLeft());
     painter_.paint(painter, frame, scale_);
-    if (isFirst)
-        prepareSoon();
 }
 
 // The first frame shows next to nothing. What later ones need is painted between them, a piece at a time.
 void QtOverlayPanel::prepareSoon() {
-    nextPreparation_ = loop_.after(seconds(0.001), [this] {
-        if (drawn_ && painter_.prepareOne(*drawn_, scale_))
+    nextPreparation_ = loop_.after(seconds(0.004), [this] {
+        if (drawn_ && scale_ > 0 && painter_.prepareOne(*drawn_, scale_))
             prepareSoon();
     });
 }

@@ -61,8 +61,7 @@ private:
 
     IslandPainter painter_;
     std::optional<IslandFrame> drawn_;
-    double scale_ = 1; // device pixels per point, as last painted
-    std::int64_t paintedToken_ = 0;
+    double scale_ = 0; // device pixels per point, as last painted; 0 before
     std::unique_ptr<OverlaySurface> island_;
     EdgeGlowWindows glow_;
 
