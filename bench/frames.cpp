@@ -15,6 +15,7 @@
 #include <QRasterWindow>
 #include <QScreen>
 
+#include <malloc.h>
 #include <time.h>
 
 #include <algorithm>
@@ -230,6 +231,7 @@ long anonymous() {
 } // namespace
 
 int main(int argc, char** argv) {
+    mallopt(M_ARENA_MAX, 1); // as Kivo does
     QApplication application(argc, argv);
     const QSize screen = QGuiApplication::primaryScreen()->size();
     if (argc > 1) {

@@ -235,6 +235,8 @@ int main(int argc, char** argv) {
         std::fputs("kivo: whoever installed this Kivo updates it, too\n", stderr);
         return 1;
     }
+    // Threads come and go, and what each had of its own would stay.
+    ::mallopt(M_ARENA_MAX, 1);
     installTextCatalogue(linuxTexts());
     catchTermination();
     chooseDisplay();

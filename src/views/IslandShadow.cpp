@@ -69,7 +69,6 @@ void IslandShadow::paint(QPainter& painter, const QRectF& frame, const IslandFra
     auto snapped = [scale](double value) { return std::round(value * scale) / scale; };
     painter.save();
     painter.setOpacity(painter.opacity() * island.shadowOpacity);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     for (std::size_t j = 0; j < 3; ++j) {
         for (std::size_t i = 0; i < 5; ++i) {
             const QRectF target(QPointF(snapped(toX[i]), snapped(toY[j])),
@@ -78,6 +77,8 @@ void IslandShadow::paint(QPainter& painter, const QRectF& frame, const IslandFra
                                 QPointF(fromX[i + 1], fromY[j + 1]) * scale);
             // The middle lies beneath the body, whatever its corners are.
             const bool isHidden = i == 2 && j == 1;
+            // Between the corners every column is the same: nothing to smooth.
+            painter.setRenderHint(QPainter::SmoothPixmapTransform, i != 2);
             if (!isHidden && !target.isEmpty())
                 painter.drawImage(target, image_, source);
         }
