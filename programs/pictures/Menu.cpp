@@ -248,7 +248,7 @@ void paintFilm(const QDir& folder) {
     std::swap(source.devices[0], source.devices[1]);
     constexpr double times[] = {0, 0.05, 0.1, 0.15, 0.2, 0.3, 0.4, 0.6, 0.8, 1.2};
     constexpr int columns = 5;
-    const QSize cell(360, 520);
+    const QSize cell(360, 560);
     QImage sheet(cell.width() * columns, cell.height() * 2, QImage::Format_RGB32);
     sheet.fill(QColor(88, 126, 178));
     QPainter painter(&sheet);

@@ -131,10 +131,13 @@ void DeviceRowView::setDivided(bool isDivided) {
 }
 
 void DeviceRowView::moveTo(int top, bool isAnimated) {
-    if (isAnimated && !context_.reducesMotion)
+    if (isAnimated && !context_.reducesMotion) {
+        if (top < y())
+            raise();
         top_.animate(top, animations::settle, context_.loop.now());
-    else
+    } else {
         top_.set(top);
+    }
     setGeometry(0, static_cast<int>(std::lround(top_.value(context_.loop.now()))), width(), height_);
 }
 
@@ -152,6 +155,8 @@ bool DeviceRowView::advance(Duration now) {
     const int top = static_cast<int>(std::lround(top_.value(now)));
     if (top != y())
         move(0, top);
+    if (drawnAt_ < top_.settlesAt() && now >= top_.settlesAt())
+        update();
     drawnAt_ = now;
     return now < level_.settlesAt() || now < opacity_.settlesAt() || now < top_.settlesAt();
 }
@@ -161,7 +166,10 @@ void DeviceRowView::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(opacity_.value(drawnAt_));
     const Surface& surface = context_.surface;
-    if (isDivided_)
+    // Rows that pass one another cover each other.
+    if (drawnAt_ < top_.settlesAt())
+        painter.fillRect(rect().adjusted(12, 0, -12, 0), surface.card);
+    else if (isDivided_)
         painter.fillRect(QRectF(textLeft, 0, width() - textLeft - 12, 1), surface.hairline);
     const QRectF field = QRectF(rect()).adjusted(4, 3, -4, -2);
     if (underMouse() && row_.forget) {
