@@ -122,7 +122,20 @@ bool DeviceListView::advance(Duration now) {
     bool moves = false;
     for (auto& row : rows_)
         moves |= row->advance(now);
+    if (!moves)
+        orderRows();
     return moves;
+}
+
+// A row that moves lies over the others; at rest they lie, and are read, in their order.
+void DeviceListView::orderRows() {
+    std::size_t next = 0;
+    for (const QObject* child : content_->children())
+        next += next < rows_.size() && child == rows_[next].get();
+    if (next == rows_.size())
+        return;
+    for (auto& row : rows_)
+        row->raise();
 }
 
 std::vector<QWidget*> DeviceListView::focusable() const {

@@ -41,6 +41,7 @@ private:
     bool setRows(const std::vector<DeviceRow>& rows);
     void dropRows(const std::vector<DeviceRow>& rows);
     void layOut(bool isAnimated);
+    void orderRows();
     void paintLoading(QPainter& painter);
 
     ViewContext& context_;

@@ -205,6 +205,24 @@ TEST_F(MenuWindowTest, ARememberedDeviceIsForgottenByKeyboardAndTheFocusGoesOn) 
     EXPECT_EQ(forgotten.back(), "p2");
 }
 
+TEST_F(MenuWindowTest, RowsThatChangedPlacesAreReadInTheirNewOrder) {
+    MenuSource source = onBattery(3);
+    show(source);
+    std::swap(source.devices[0], source.devices[2]);
+    source.devices.insert(source.devices.begin() + 1, phone(7, std::nullopt));
+    show(source);
+    loop.advance(seconds(0.1));
+    EXPECT_NE(part("Phone 2")->y(), 0) << "it is under way";
+    settle();
+    std::string order;
+    for (QObject* child : part("Phone 0")->parentWidget()->children())
+        order +=
+            static_cast<QWidget*>(child)->accessibleName().section(QLatin1Char(','), 0, 0).toStdString() + ";";
+    EXPECT_EQ(order, "Phone 2;Phone 7;Phone 1;Phone 0;");
+    EXPECT_EQ(part("Phone 2")->y(), 0);
+    EXPECT_EQ(part("Phone 7")->y(), part("Phone 2")->height());
+}
+
 TEST_F(MenuWindowTest, FortyDevicesScrollWithTheFocus) {
     window.setRoom({1264, 784});
     show(onBattery(40));
