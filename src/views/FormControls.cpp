@@ -42,17 +42,6 @@ void scaleAround(QPainter& painter, const QRectF& box, double scale) {
     painter.translate(-box.center());
 }
 
-// The accent, deep enough for white on it, and as bright as it can be then.
-QColor deep(const QColor& accent) {
-    float hue = 0, saturation = 0, value = 0;
-    accent.getHsvF(&hue, &saturation, &value);
-    saturation = std::min(saturation * 1.25F, 1.0F);
-    QColor color = accent;
-    for (; value > 0 && readable(Qt::white, color) != QColor(Qt::white); value -= 0.02F)
-        color = QColor::fromHsvF(hue, saturation, value);
-    return color;
-}
-
 double shrunk(const Moving& pressed) {
     return 1 - (1 - pressedScale) * pressed.value();
 }
@@ -63,6 +52,16 @@ bool isEnter(const QKeyEvent& event) {
 }
 
 } // namespace
+
+QColor deepened(const QColor& accent) {
+    float hue = 0, saturation = 0, value = 0;
+    accent.getHsvF(&hue, &saturation, &value);
+    saturation = std::min(saturation * 1.25F, 1.0F);
+    QColor color = accent;
+    for (; value > 0 && readable(Qt::white, color) != QColor(Qt::white); value -= 0.02F)
+        color = QColor::fromHsvF(hue, saturation, value);
+    return color;
+}
 
 bool showsFocus(const QWidget& control) {
     return control.hasFocus() && control.window()->testAttribute(Qt::WA_KeyboardFocusChange);
@@ -117,8 +116,8 @@ QColor FormButton::ink() const {
 
 void FormButton::paintBody(QPainter& painter, const QRectF& body) const {
     const Surface surface = surfaceFor(palette());
-    QColor fill =
-        kind_ == Kind::primary ? deep(surface.accent) : withAlpha(surface.ink, surface.isDark ? 0.12 : 0.07);
+    QColor fill = kind_ == Kind::primary ? deepened(surface.accent)
+                                         : withAlpha(surface.ink, surface.isDark ? 0.12 : 0.07);
     const QPainterPath shape = roundedPath(body, buttonRadius);
     if (hasBody())
         painter.fillPath(shape, fill);

@@ -15,6 +15,9 @@ namespace kivo {
 // Room around every control for the ring that shows where the keyboard is.
 inline constexpr int focusRoom = 3;
 
+// The accent, deep enough for white on it, and as bright as it can be then.
+QColor deepened(const QColor& accent);
+
 // Whether to show that the control has the keyboard: not after a click.
 bool showsFocus(const QWidget& control);
 

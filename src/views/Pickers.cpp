@@ -6,6 +6,7 @@
 #include "views/Surface.h"
 #include "views/Typeface.h"
 
+#include <QAbstractItemView>
 #include <QHBoxLayout>
 #include <QMouseEvent>
 #include <QPainter>
@@ -275,6 +276,17 @@ DropDown::DropDown(const std::string& spoken, const std::vector<std::string>& op
 void DropDown::show(int index) {
     const QSignalBlocker silence(this);
     setCurrentIndex(index);
+}
+
+void DropDown::showPopup() {
+    // The menu is a window of its own, which takes the desktop's colours by itself.
+    const Surface surface = surfaceFor(palette());
+    QPalette colors = palette();
+    colors.setColor(QPalette::Window, surface.card);
+    colors.setColor(QPalette::Highlight, deepened(surface.accent));
+    view()->setPalette(colors);
+    view()->window()->setPalette(colors);
+    QComboBox::showPopup();
 }
 
 QSize DropDown::sizeHint() const {

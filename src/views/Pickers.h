@@ -88,6 +88,7 @@ public:
 
     // Without telling anybody.
     void show(int index);
+    void showPopup() override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+#include "platform/UserDefaults.h"
+#include "simulated/SimulatedMachine.h"
+#include "views/IntroductionWindow.h"
+#include "views/SettingsWindow.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QPointer>
+#include <QScrollArea>
+
+#include <gtest/gtest.h>
+
+namespace kivo {
+namespace {
+
+struct AppWindowsTest : testing::Test {
+    AppWindowsTest() {
+        delegate.applicationDidFinishLaunching();
+        windows.add("settings", [this] {
+            auto model =
+                std::make_unique<SettingsModel>(machine.loop(), delegate.coordinator(),
+                                                machine.standardDefaults(), machine.workspace(), windows);
+            return std::make_unique<SettingsWindow>(machine.loop(), machine.workspace(), std::move(model),
+                                                    nullptr);
+        });
+        windows.add("onboarding", [this] {
+            auto model = std::make_unique<IntroductionModel>(machine.loop(), delegate.coordinator(),
+                                                             machine.standardDefaults());
+            introduction = &model->onboarding();
+            introduction->onFinish = [this] { windows.close("onboarding"); };
+            return std::make_unique<IntroductionWindow>(machine.loop(), machine.workspace(), std::move(model));
+        });
+    }
+    ~AppWindowsTest() override { windows.closeAll(); }
+
+    static QWidget* window(const char* title) {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->windowTitle() == QLatin1String(title))
+                return widget;
+        }
+        return nullptr;
+    }
+    static void layOut() {
+        for (int i = 0; i < 3; ++i)
+            QApplication::processEvents();
+    }
+    // How far what a window scrolls reaches over its sides.
+    static int overhang(QWidget& window) {
+        layOut();
+        auto* page = window.findChild<QScrollArea*>();
+        return page->widget()->minimumSizeHint().width() - page->viewport()->width();
+    }
+
+    SimulatedMachine machine{R"({"reduceMotion": false, "powerSources": [{"Type": "InternalBattery",
+        "Current Capacity": 64, "Max Capacity": 100, "Power Source State": "Battery Power"}]})"};
+    AppDelegate delegate{machine};
+    AppWindows windows{machine.loop()};
+    Onboarding* introduction = nullptr;
+};
+
+TEST_F(AppWindowsTest, NothingIsCutOffInANarrowWindow) {
+    for (const auto& tab : settingsTabs) {
+        machine.standardDefaults().set("settingsTab", std::string(tab.name));
+        windows.open("settings");
+        QWidget* settings = window("Kivo Settings");
+        settings->resize(400, 480);
+        EXPECT_LE(overhang(*settings), 0) << tab.name;
+        windows.closeAll();
+    }
+    windows.open("onboarding");
+    for (const auto& step : onboardingSteps) {
+        window("Kivo")->resize(400, 480);
+        EXPECT_LE(overhang(*window("Kivo")), 0) << step.name;
+        if (step.value != OnboardingStep::done)
+            introduction->next();
+    }
+}
+
+TEST_F(AppWindowsTest, AClosedWindowIsGoneAndLeavesNothingRunning) {
+    windows.open("settings"); // with the preview, which never rests
+    layOut();
+    const QPointer<QWidget> settings = window("Kivo Settings");
+    windows.open("settings");
+    EXPECT_EQ(window("Kivo Settings"), settings) << "opened again it is the same window";
+    machine.virtualLoop().advance(seconds(3));
+    settings->close();
+    machine.virtualLoop().runPosted();
+    EXPECT_TRUE(settings.isNull());
+    // Changes reach nobody any more.
+    AlertSettings changed = delegate.coordinator().settings().value();
+    changed.rules.clear();
+    delegate.coordinator().settings().setValue(changed);
+    machine.virtualLoop().advance(seconds(3));
+}
+
+TEST_F(AppWindowsTest, TheLastPageOfTheIntroductionClosesItAndItBeginsAnew) {
+    windows.open("onboarding");
+    const QPointer<QWidget> first = window("Kivo");
+    for (std::size_t page = 0; page < onboardingSteps.entries.size(); ++page) {
+        introduction->next();
+        machine.virtualLoop().advance(seconds(0.1)); // before the page has turned
+    }
+    EXPECT_TRUE(first.isNull());
+    windows.open("onboarding");
+    EXPECT_EQ(introduction->step().get(), OnboardingStep::welcome);
+}
+
+TEST_F(AppWindowsTest, ColoursFollowTheDesktopWhileOpen) {
+    const QPalette before = QApplication::palette();
+    windows.open("settings");
+    const auto ground = [] { return window("Kivo Settings")->palette().color(QPalette::Window); };
+    for (const bool isDark : {true, false}) {
+        QPalette desktop = before;
+        desktop.setColor(QPalette::Window, isDark ? QColor(30, 30, 30) : QColor(240, 240, 240));
+        QApplication::setPalette(desktop);
+        layOut();
+        EXPECT_EQ(ground().lightness() < 128, isDark) << ground().name().toStdString();
+    }
+    QApplication::setPalette(before);
+}
+
+} // namespace
+} // namespace kivo
