@@ -139,12 +139,13 @@ TEST(EnergyHistory, SurvivesAThousandKills) {
             saveForEver(folder.path, last + 1, told[1]);
         }
         close(told[1]);
+        char answers[4096];
+        // Every other child has saved once, however busy the machine is.
+        ssize_t finished = kills % 2 == 0 ? 0 : read(told[0], answers, 1);
         const timespec instant{0, nanoseconds(random)};
         nanosleep(&instant, nullptr);
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
-        char answers[4096];
-        ssize_t finished = 0;
         while (const auto count = read(told[0], answers, sizeof answers))
             finished += count;
         close(told[0]);
@@ -159,7 +160,7 @@ TEST(EnergyHistory, SurvivesAThousandKills) {
         if (!isNumber(last))
             ++last;
     }
-    EXPECT_GT(last, 100) << "hardly anything was saved in between";
+    EXPECT_GE(last, 500) << "hardly anything was saved in between";
     EXPECT_LT(folder.names().size(), 5U) << "half-written files stay behind";
 }
 
