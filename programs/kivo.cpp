@@ -2,6 +2,7 @@
 // kivo: the application on a real desktop.
 #include "app/AppDelegate.h"
 #include "linux/ApplicationIcons.h"
+#include "linux/DesktopAppearance.h"
 #include "linux/LinuxMachine.h"
 #include "linux/SingleInstance.h"
 #include "linux/base/LinuxTexts.h"
@@ -13,6 +14,7 @@
 #include "views/PaintedWindow.h"
 #include "views/QtOverlayPanel.h"
 #include "views/SettingsWindow.h"
+#include "views/Surface.h"
 #include "views/TrayIcon.h"
 #include "views/TrayMenu.h"
 #include "views/UpdatePrompt.h"
@@ -80,6 +82,21 @@ void chooseDisplay() {
         return;
     const std::string_view platforms = choosePlatform(!qEnvironmentVariableIsEmpty("DISPLAY"), hasCompositor());
     qputenv("QT_QPA_PLATFORM", QByteArray(platforms.data(), static_cast<qsizetype>(platforms.size())));
+}
+
+// The toolkit's own colours, and over them what the desktop says of light and dark and of its accent.
+void takeColors(const DesktopAppearance& appearance) {
+    QApplication::setPalette(QPalette());
+    QPalette palette = QApplication::palette();
+    if (appearance.isDark() && *appearance.isDark() != surfaceFor(palette).isDark) {
+        palette.setColor(QPalette::Window, *appearance.isDark() ? QColor(31, 32, 35) : QColor(246, 246, 247));
+        palette.setColor(QPalette::WindowText,
+                         *appearance.isDark() ? QColor(245, 245, 247) : QColor(28, 28, 30));
+    }
+    if (appearance.accent())
+        palette.setColor(QPalette::Highlight, *appearance.accent());
+    if (palette != QApplication::palette())
+        QApplication::setPalette(palette);
 }
 
 // Windows are seldom open: what they took goes back to the system.
@@ -156,6 +173,8 @@ private:
 
 int run(QApplication& app, SingleInstance& instance, const QString& firstAction) {
     LinuxMachine machine({KIVO_UPDATE_FEED, KIVO_UPDATE_KEY, KIVO_VERSION});
+    DesktopAppearance appearance(QDBusConnection::sessionBus());
+    appearance.onChange = [&appearance] { takeColors(appearance); };
     Islands islands(machine);
     AppWindows appWindows(machine.loop());
     machine.provide(appWindows);

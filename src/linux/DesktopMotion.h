@@ -16,7 +16,8 @@ namespace kivo {
 
 // Whether the user asked the desktop for less motion, by the settings portal: the setting of its own name, or
 // animations switched off in GNOME, or of no duration in KDE. Follows changes. Without a portal the desktops'
-// settings are asked once at the start (gsettings, kdeglobals); until an answer comes motion is as usual.
+// settings are asked once at the start (gsettings, kdeglobals); until an answer comes motion is as usual. Light
+// and dark are `DesktopAppearance`.
 class DesktopMotion final : public QObject {
     Q_OBJECT
 public:
