@@ -28,6 +28,18 @@ public:
     }
 
     void repaint(QRect part) {
+        paintWith(part, [](const auto& painting) { paintAlone(painting); });
+    }
+
+protected:
+    // The first frame has hardly anything in it, and a thread is not woken for that.
+    void exposeEvent(QExposeEvent* /*event*/) override {
+        paintWith({{}, size()}, [](const auto& painting) { painting(); });
+    }
+
+private:
+    template <typename Run>
+    void paintWith(QRect part, const Run& run) {
         part &= QRect({}, size());
         if (!isExposed() || part.isEmpty())
             return;
@@ -36,7 +48,7 @@ public:
             part = QRect({}, size());
         }
         store_.beginPaint(part);
-        paintAlone([&] {
+        run([&] {
             QPainter painter(store_.paintDevice());
             painter.setClipRect(part);
             painter.setCompositionMode(QPainter::CompositionMode_Source);
@@ -48,10 +60,6 @@ public:
         store_.flush(part);
     }
 
-protected:
-    void exposeEvent(QExposeEvent* /*event*/) override { repaint({{}, size()}); }
-
-private:
     OverlaySurface::Paint paint_;
     QBackingStore store_;
 };
