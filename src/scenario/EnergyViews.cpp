@@ -36,7 +36,7 @@ PropertyValue energy(ScenarioRun& run) {
 EnergyMonitor::Window windowNamed(const std::string& name, const std::string& what) {
     if (const auto window = EnergyMonitor::windows.value(name))
         return *window;
-    reading::mismatch(what, "\"now\", \"hour\", \"day\", \"week\" or \"month\"", PropertyValue(name));
+    throw DecodingError(what + " cannot be \"" + name + "\"");
 }
 
 ViewTable::View readUsage(RecordReader& options) {
@@ -44,7 +44,7 @@ ViewTable::View readUsage(RecordReader& options) {
     const bool apps = options.optionalBool("apps").value_or(true);
     const auto limit = options.optionalInteger("limit").value_or(usualLimit);
     if (limit < 0)
-        reading::mismatch(options.path("limit"), "an integer of at least 0", options.require("limit"));
+        throw DecodingError(options.path("limit") + " must not be negative");
     return [=](ScenarioRun& run) {
         return record(run.coordinator()->energy().usage(window, apps, static_cast<std::size_t>(limit)));
     };

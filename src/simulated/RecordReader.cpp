@@ -27,6 +27,9 @@ bool boolean(const PropertyValue& value, std::string_view what) {
 std::int64_t integer(const PropertyValue& value, std::string_view what) {
     if (const auto result = value.integer())
         return *result;
+    // No rule, percentage or process is as far as the integers beyond: they stand for the largest.
+    if (value.unsignedInteger())
+        return std::numeric_limits<std::int64_t>::max();
     mismatch(what, "an integer", value);
 }
 

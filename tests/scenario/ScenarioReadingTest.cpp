@@ -53,6 +53,10 @@ TEST(ScenarioReading, NamesTheStepAndWhatIsWrong) {
         {R"({"at": 0, "print": "everything"})", "step 1: unknown view \"everything\""},
         {R"({"at": 0, "print": 5})", "step 1: print must be a view's name"},
         {R"({"at": 0, "print": {"view": "state", "window": "day"}})", "step 1: print has an unknown member"},
+        {R"({"at": 0, "print": {"view": "usage", "window": "year"}})",
+         "step 1: print.window cannot be \"year\""},
+        {R"({"at": 0, "print": {"view": "usage", "window": "day", "limit": -1}})",
+         "step 1: print.limit must not be negative"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(failure(withSteps(row.steps)).substr(0, std::string(row.expected).size()), row.expected)
