@@ -93,6 +93,109 @@ TEST(ScenarioPlay, AfterTheEndNothingActsAndNothingIsSeen) {
     EXPECT_TRUE(events.back().at("content").isNull());
 }
 
+// A view's members and, behind a dot, those of the objects and first list entries within.
+void addMembers(const std::string& path, const PropertyValue& value, std::string& result) {
+    if (const Array* array = value.array(); array && !array->empty())
+        return addMembers(path, array->front(), result);
+    const Dictionary* object = value.dictionary();
+    if (!object) {
+        result += path + " ";
+        return;
+    }
+    for (const auto& [key, member] : *object)
+        addMembers(path.empty() ? key : path + "." + key, member, result);
+}
+
+TEST(ScenarioPlay, ThePagesAreInThePrintedViews) {
+    const std::string machine = R"("powerSources": $charging(50), "registry": {"AppleSmartBattery": [{}],
+        "AppleDeviceManagementHIDEventService": [{"Product": "Mouse", "BatteryPercent": 20}]})";
+    const struct {
+        const char* steps; // before the view is printed
+        const char* view;
+        const char* members;
+    } rows[] = {
+        {R"({"at": 0, "test": 0})", "menu",
+         "attention devices.empty devices.rows.details devices.rows.forget devices.rows.id "
+         "devices.rows.isCharging devices.rows.level devices.rows.name devices.rows.parts devices.rows.symbol "
+         "devices.rows.tone empty footer.help footer.isOn footer.shortcut footer.symbol hero.level hero.name "
+         "hero.notes hero.pill.symbol hero.pill.text hero.stats hero.symbol hero.target hero.targetTip "
+         "hero.tone "
+         "tiles.caption tiles.label tiles.symbol tiles.tint tiles.value "},
+        {R"({"at": 0, "expandRule": 0})", "settings.alerts",
+         "sections.canAdd sections.color sections.detail sections.family sections.rules.editor.canDelete "
+         "sections.rules.editor.glowsScreen sections.rules.editor.notifies sections.rules.editor.position "
+         "sections.rules.editor.range sections.rules.editor.sound sections.rules.editor.threshold "
+         "sections.rules.editor.tint sections.rules.index sections.rules.isEnabled sections.rules.isExpanded "
+         "sections.rules.summary sections.rules.title sections.symbol sections.title "},
+        {R"({"at": 0})", "settings.menuBar", "note selected styles.style styles.title title "},
+        {R"({"at": 0})", "settings.general",
+         "accessibility.button accessibility.granted chargeLimit.button chargeLimit.text dismisses.isOn "
+         "dismisses.text introduction notifications.button notifications.granted openAtLogin.error "
+         "openAtLogin.isOn playsSound showsOverlay updates.automatic updates.canCheck "},
+        {R"({"at": 0})", "settings.energy",
+         "empty.symbol empty.text empty.title footnote insight rows subtitle title "},
+        {R"({"at": 0})", "help", "title topics.steps topics.symbol topics.title "},
+        {R"({"at": 0, "onboarding": "next"})", "onboarding",
+         "box devices hasBack header.message header.title lowBattery.threshold lowBattery.title permissions "
+         "primary progress step styles switches.isOn switches.symbol switches.title tip "},
+    };
+    for (const auto& row : rows) {
+        const std::string print = R"(, {"at": 0, "print": ")" + std::string(row.view) + R"("})";
+        std::string members;
+        addMembers("", lastView(scenario(machine, row.steps + print)), members);
+        EXPECT_EQ(members, row.members) << row.view;
+    }
+}
+
+// The rules as "macBelow 20 top tink", those switched off in brackets.
+std::string rulesAfter(const std::string& steps) {
+    const auto view = lastView(scenario(R"("defaults": {"standard": {"alertSettings.v2": {"json": {"rules": [
+        {"id": "6F1D0B4E-2C55-4C8A-9E3B-0D2B7A1C9F10", "trigger": {"macBelow": {"_0": 60}}, "isEnabled": true,
+         "position": "top", "glowsScreen": false, "sound": "tink", "tint": "auto", "notifies": false},
+        {"id": "6F1D0B4E-2C55-4C8A-9E3B-0D2B7A1C9F11", "trigger": {"pluggedIn": {}}, "isEnabled": true,
+         "position": "top", "glowsScreen": false, "sound": "none", "tint": "auto", "notifies": false}
+        ]}}}, "group": {}})",
+                                        steps + R"(, {"at": 0, "print": "state"})"));
+    std::string result;
+    for (const auto& rule : *find(*view.at("settings").dictionary(), "rules")->array()) {
+        const Dictionary& fields = *rule.dictionary();
+        const auto& [kind, payload] = *fields.at("trigger").dictionary()->begin();
+        std::string text = kind;
+        if (const auto* threshold = find(*payload.dictionary(), "_0"))
+            text += " " + json::write(*threshold);
+        text += " " + *fields.at("position").string() + " " + *fields.at("sound").string();
+        result += (fields.at("isEnabled") == PropertyValue(true) ? text : "(" + text + ")") + "; ";
+    }
+    return result;
+}
+
+TEST(ScenarioPlay, StepsEditTheRules) {
+    const std::string both = "macBelow 60 top tink; pluggedIn top none; ";
+    const struct {
+        const char* step;
+        std::string rules;
+    } rows[] = {
+        {R"("addRule": "charged")", both + "macReached 90 top glass; "},
+        {R"("addRule": "power")", both},
+        {R"("deleteRule": 0)", "pluggedIn top none; "},
+        {R"("deleteRule": 1)", both}, // its family cannot add
+        {R"("deleteRule": -1)", both},
+        {R"("deleteRule": 18446744073709551615)", both},
+        {R"("editRule": {"index": 0, "isEnabled": false})", "(macBelow 60 top tink); pluggedIn top none; "},
+        {R"("editRule": {"index": 0, "threshold": 18446744073709551615})",
+         "macBelow 50 top tink; pluggedIn top none; "},
+        {R"("editRule": {"index": 0, "threshold": 0, "position": "center", "sound": "frog"})",
+         "macBelow 1 center frog; pluggedIn top none; "},
+        {R"("editRule": {"index": 2, "isEnabled": false})", both},
+        {R"("onboarding": {"switch": "When you plug in or unplug the charger", "isOn": false})",
+         "macBelow 60 top tink; (pluggedIn top none); "},
+        {R"("onboarding": {"switch": "When charging is done", "isOn": true})", both},
+        {R"("onboarding": {"threshold": 7})", "macBelow 7 top tink; pluggedIn top none; "},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(rulesAfter(R"({"at": 0, )" + std::string(row.step) + "}"), row.rules) << row.step;
+}
+
 TEST(ScenarioPlay, AProcessThatHostsTestsStartsNothing) {
     EXPECT_EQ(
         play(scenario(R"("environment": {"XCTestConfigurationFilePath": ""}, "powerSources": $battery(4))",
