@@ -3,6 +3,7 @@
 
 #include "support/Json.h"
 
+#include <optional>
 #include <string>
 
 namespace kivo {
@@ -51,6 +52,34 @@ AlertRule decodeRule(const PropertyValue& stored) {
     };
 }
 
+std::vector<AlertRule> buildDefaultRules() {
+    constexpr auto top = OverlayPosition::top;
+    const auto rule = [](AlertTrigger trigger, OverlayPosition position, bool glows, AlertSound sound,
+                         bool notifies) {
+        return AlertRule{.trigger = trigger,
+                         .position = position,
+                         .glowsScreen = glows,
+                         .sound = sound,
+                         .notifies = notifies};
+    };
+    return {
+        rule({Kind::macBelow, 20}, top, false, AlertSound::tink, false),
+        rule({Kind::macBelow, 10}, top, true, AlertSound::funk, false),
+        rule({Kind::macBelow, 5}, OverlayPosition::center, true, AlertSound::sosumi, true),
+        rule({Kind::macReached, 80}, top, false, AlertSound::glass, false),
+        rule({Kind::macReached, 100}, top, true, AlertSound::hero, false),
+        rule({Kind::pluggedIn}, top, false, AlertSound::pop, false),
+        rule({Kind::unplugged}, top, false, AlertSound::bottle, false),
+        rule({Kind::deviceBelow, 20}, top, false, AlertSound::tink, false),
+        rule({Kind::deviceBelow, 10}, top, true, AlertSound::funk, false),
+        rule({Kind::deviceReached, 100}, top, false, AlertSound::glass, false),
+        rule({Kind::deviceConnected}, top, false, AlertSound::none, false),
+    };
+}
+
+// Empty until somebody asks.
+std::optional<std::vector<AlertRule>> processDefaultRules;
+
 } // namespace
 
 bool hasThreshold(Kind kind) {
@@ -76,29 +105,13 @@ AlertTrigger::Family family(const AlertTrigger& trigger) {
 }
 
 const std::vector<AlertRule>& defaultRules() {
-    constexpr auto top = OverlayPosition::top;
-    const auto rule = [](AlertTrigger trigger, OverlayPosition position, bool glows, AlertSound sound,
-                         bool notifies) {
-        return AlertRule{.trigger = trigger,
-                         .position = position,
-                         .glowsScreen = glows,
-                         .sound = sound,
-                         .notifies = notifies};
-    };
-    static const std::vector<AlertRule> rules{
-        rule({Kind::macBelow, 20}, top, false, AlertSound::tink, false),
-        rule({Kind::macBelow, 10}, top, true, AlertSound::funk, false),
-        rule({Kind::macBelow, 5}, OverlayPosition::center, true, AlertSound::sosumi, true),
-        rule({Kind::macReached, 80}, top, false, AlertSound::glass, false),
-        rule({Kind::macReached, 100}, top, true, AlertSound::hero, false),
-        rule({Kind::pluggedIn}, top, false, AlertSound::pop, false),
-        rule({Kind::unplugged}, top, false, AlertSound::bottle, false),
-        rule({Kind::deviceBelow, 20}, top, false, AlertSound::tink, false),
-        rule({Kind::deviceBelow, 10}, top, true, AlertSound::funk, false),
-        rule({Kind::deviceReached, 100}, top, false, AlertSound::glass, false),
-        rule({Kind::deviceConnected}, top, false, AlertSound::none, false),
-    };
-    return rules;
+    if (!processDefaultRules)
+        processDefaultRules = buildDefaultRules();
+    return *processDefaultRules;
+}
+
+void forgetDefaultRules() {
+    processDefaultRules.reset();
 }
 
 PropertyValue encode(const AlertRule& rule) {

@@ -65,6 +65,9 @@ struct AlertRule {
 
 // The eleven rules that a new user starts with; the same ones, ids included, for the whole process.
 const std::vector<AlertRule>& defaultRules();
+// What the end of a process does: the next one builds the rules anew, with new ids. For a process that is
+// simulated.
+void forgetDefaultRules();
 
 // All that the user can choose about alerts. The order of the rules breaks ties between them.
 struct AlertSettings {

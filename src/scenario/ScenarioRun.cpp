@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "scenario/ScenarioRun.h"
 
+#include "core/AlertSettings.h"
 #include "platform/Windows.h"
 
 #include <utility>
@@ -28,6 +29,7 @@ AppCoordinator* ScenarioRun::coordinator() {
 }
 
 void ScenarioRun::launch() {
+    forgetDefaultRules();
     application_ = std::make_unique<LaunchedApplication>(machine_);
     application_->delegate.applicationDidFinishLaunching();
     machine_.virtualLoop().runPosted();

@@ -50,8 +50,24 @@ TEST(ScenarioPlay, EndsWhenEverythingDueAtTheLastStepsTimeHasRun) {
 TEST(ScenarioPlay, TheSameScenarioAlwaysPrintsTheSame) {
     const std::string text = scenario(R"("powerSources": $charging(50))",
                                       R"({"at": 1, "set": {"powerSources": $battery(4)}},
-                                         {"at": 2, "settings": {"playsSound": false}}, {"at": 9, "print": "state"})");
+                                         {"at": 2, "settings": {"playsSound": false}}, {"at": 3, "addRule": "low"},
+                                         {"at": 9, "print": "state"})");
     EXPECT_EQ(Scenario::read(text).play(), Scenario::read(text).play());
+}
+
+TEST(ScenarioPlay, DefaultRulesAreThoseOfTheirProcess) {
+    std::vector<PropertyValue> rules;
+    for (const Dictionary& event : play(scenario("", R"({"at": 0, "print": "state"},
+                                                        {"at": 1, "settings": {"rules": []}},
+                                                        {"at": 2, "settings": {"rules": null}}, {"at": 2, "print": "state"},
+                                                        {"at": 3, "set": {"defaults": {}}}, {"at": 3, "relaunch": "kill"},
+                                                        {"at": 3, "print": "state"})"))) {
+        if (const auto* content = find(event, "content"))
+            rules.push_back(content->dictionary()->at("settings").dictionary()->at("rules"));
+    }
+    ASSERT_EQ(rules.size(), 3u);
+    EXPECT_EQ(rules[1], rules[0]);
+    EXPECT_NE(rules[2], rules[0]);
 }
 
 TEST(ScenarioPlay, QuittingSavesAndSaysSoKillingDoesNot) {
