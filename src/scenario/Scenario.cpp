@@ -21,7 +21,10 @@ std::string stepName(std::size_t number) {
 }
 
 Duration readTime(RecordReader& record, Duration earliest) {
-    const double at = reading::number(record.require("at"), "at");
+    const auto* value = record.find("at");
+    if (!value)
+        throw DecodingError("at is missing");
+    const double at = reading::number(*value, "at");
     if (at < 0)
         throw DecodingError("at must not be negative");
     if (at > latestTime)

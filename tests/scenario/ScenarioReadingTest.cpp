@@ -26,7 +26,7 @@ TEST(ScenarioReading, NamesTheStepAndWhatIsWrong) {
         const char* expected; // how the message begins
     } rows[] = {
         {R"(5)", "step 1: a step must be an object"},
-        {R"({"at": 0}, {})", "step 2: a step.at is missing"},
+        {R"({"at": 0}, {})", "step 2: at is missing"},
         {R"({"at": "0"})", "step 1: at must be a number"},
         {R"({"at": -1})", "step 1: at must not be negative"},
         {R"({"at": 1e300})", "step 1: at is too far"},
