@@ -24,7 +24,7 @@ std::string oneDecimal(double value) {
     return text.data();
 }
 
-// "Jan 5, 9 AM" by the clocks of the place.
+// "Jan 5 at 9 AM" by the clocks of the place.
 std::string dayAndHour(Date date, const TimeZone& calendar) {
     using namespace std::chrono;
     constexpr std::array months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
@@ -33,7 +33,7 @@ std::string dayAndHour(Date date, const TimeZone& calendar) {
     const sys_days day = floor<days>(sys_seconds(std::chrono::seconds(local)));
     const year_month_day civil(day);
     const auto hour = (local - std::chrono::seconds(day.time_since_epoch()).count()) / 3600;
-    return localized("%@ %lld, %lld %@",
+    return localized("%@ %lld at %lld %@",
                      {localized(months[static_cast<unsigned>(civil.month()) - 1]),
                       static_cast<std::int64_t>(static_cast<unsigned>(civil.day())),
                       static_cast<std::int64_t>((hour + 11) % 12 + 1), localized(hour < 12 ? "AM" : "PM")});

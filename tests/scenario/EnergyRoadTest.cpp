@@ -70,6 +70,29 @@ TEST(EnergyRoad, HelpersCountAsTheirApplication) {
     EXPECT_EQ(rows(contents[3]), Lines{"indexer 4.0 0.4"});
 }
 
+TEST(EnergyRoad, ThePaneTellsWhatItsPeriodHolds) {
+    const auto contents = views(scenario(machine, std::string(used) + R"(,
+        {"at": 59, "print": "settings.energy"}, {"at": 60, "print": "settings.energy"},
+        {"at": 60, "print": {"view": "settings.energy", "window": "now", "showsApps": false}})"));
+    ASSERT_EQ(contents.size(), 3u);
+    const auto told = [&](std::size_t index) {
+        const Dictionary& pane = *contents[index].dictionary();
+        Lines lines{*pane.at("subtitle").string(), json::write(pane.at("insight"))};
+        for (const auto& row : *pane.at("rows").array())
+            lines.push_back(*row.dictionary()->at("name").string() + " " +
+                            *row.dictionary()->at("value").string() + " " +
+                            json::write(row.dictionary()->at("icon")));
+        if (const auto* empty = pane.at("empty").dictionary())
+            lines.push_back(*empty->at("title").string());
+        return lines;
+    };
+    const std::string since = "History since Jan 5 at 2 PM";
+    const std::string insight = R"("**Browser** used 50% of the energy in the last hour")";
+    EXPECT_EQ(told(0), (Lines{"Collecting history", "null", "No data yet"}));
+    EXPECT_EQ(told(1), (Lines{since, insight, "Browser 1 mWh · 50% \"/Applications/Browser.app\""}));
+    EXPECT_EQ(told(2), (Lines{since, insight, "indexer 67 mW · 40% null", "PID 30 17 mW · 10% null"}));
+}
+
 TEST(EnergyRoad, TheFileIsWrittenTenMinutesAfterTheLastSuccessAndAtTheEnd) {
     const auto lines =
         digests(scenario(std::string(machine) + R"(, "support": {"Kivo/energy.json": {"text": "no history"}})",
