@@ -18,9 +18,10 @@ std::int64_t rounded(double value) {
     return static_cast<std::int64_t>(std::round(value));
 }
 
+// Exact halves go to the even digit, as number formats have it.
 std::string oneDecimal(double value) {
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%.1f", std::round(value * 10) / 10);
+    std::snprintf(text.data(), text.size(), "%.1f", value);
     return text.data();
 }
 
