@@ -89,6 +89,7 @@ void paintBatteryGlyph(QPainter& painter, const BatteryGlyph& glyph, QPointF pos
 
     const QRectF outline =
         toQRectF(g.body).adjusted(g.lineWidth / 2, g.lineWidth / 2, -g.lineWidth / 2, -g.lineWidth / 2);
+    painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(soft, g.lineWidth));
     painter.drawRoundedRect(outline, g.bodyRadius - g.lineWidth / 2, g.bodyRadius - g.lineWidth / 2);
     painter.setPen(Qt::NoPen);

@@ -238,8 +238,8 @@ void DeviceRowView::paintReading(QPainter& painter) {
     if (row_.isCharging)
         context_.symbols.paint(painter, "bolt.fill", QRectF(x - 1, middle - 7, 14, 14), tone);
     const QRectF box(x + boltWidth - 4, middle - 10, percentWidth + 4, 20);
-    paintText(painter, box, Qt::AlignRight | Qt::AlignVCenter, levelText(std::llround(level)),
-              typeface(13, QFont::DemiBold), row_.isRemembered ? surface.tertiary : surface.ink);
+    paintNumber(painter, box, Qt::AlignRight, levelText(std::llround(level)), typeface(13, QFont::DemiBold),
+                row_.isRemembered ? surface.tertiary : surface.ink);
 }
 
 QString DeviceRowView::actionName() const {

@@ -85,12 +85,11 @@ protected:
         const QRectF icon(16, (height() - iconSide) / 2, iconSide, iconSide);
         paintIcon(painter, icon, surface);
         const QFont valueFont = typeface(12, QFont::DemiBold);
-        const double value = textWidth(toQString(row_.value), valueFont) + 1;
+        const double value = numberWidth(toQString(row_.value), valueFont);
         const QRectF room(rowInset, 7, width() - rowInset - 16, 20);
         paintText(painter, room.adjusted(0, 0, -value - 12, 0), Qt::AlignLeft | Qt::AlignVCenter,
                   toQString(row_.name), typeface(13, QFont::Medium), surface.ink);
-        paintText(painter, {room.right() - value, room.top(), value, room.height()},
-                  Qt::AlignRight | Qt::AlignVCenter, toQString(row_.value), valueFont, surface.secondary);
+        paintNumber(painter, room, Qt::AlignRight, toQString(row_.value), valueFont, surface.secondary);
         paintBar(painter, {room.left(), room.bottom() + 5, room.width(), barHeight}, row_.share, surface.accent,
                  surface);
     }
@@ -117,7 +116,9 @@ EnergyTab::EnergyTab(Kit& kit, SettingsModel& model, IconFor iconFor)
     lines->setSpacing(16);
     title_ = new TextBlock(TextBlock::Style::heading);
     subtitle_ = new TextBlock(TextBlock::Style::caption);
-    lines->addWidget(textColumn({title_, subtitle_}));
+    auto* head = textColumn({title_, subtitle_});
+    head->setContentsMargins(4, 0, 4, 0);
+    lines->addWidget(head);
     lines->addWidget(makePickers(kit));
     insightText_ = new TextBlock(TextBlock::Style::caption);
     insightText_->setForegroundRole(QPalette::WindowText);
@@ -126,6 +127,7 @@ EnergyTab::EnergyTab(Kit& kit, SettingsModel& model, IconFor iconFor)
     card_ = new Card(rowInset);
     lines->addWidget(card_);
     footnote_ = new TextBlock(TextBlock::Style::caption);
+    footnote_->setContentsMargins(4, 0, 4, 0);
     lines->addWidget(footnote_);
     lines->addStretch(1);
     refresh();

@@ -3,6 +3,7 @@
 
 #include "views/BatteryGlyphPainter.h"
 #include "views/Convert.h"
+#include "views/Surface.h"
 #include "views/Typeface.h"
 
 #include <QFontMetricsF>
@@ -25,14 +26,13 @@ void paintMenuBarLabel(QPainter& painter, const MenuBarLabel& label, QPointF mid
         return;
     }
     const QFont font = typeface(13, QFont::Medium);
-    const QFontMetricsF metrics(font);
     QString text = label.text ? toQString(*label.text) : QString();
     // Drawn: not every font has it.
     const bool hasBolt = text.startsWith(QChar(0x26A1));
     if (hasBolt)
         text.remove(0, 2);
     const Size glyph = label.glyph ? geometry(*label.glyph).size : Size{};
-    const double words = text.isEmpty() ? 0 : metrics.horizontalAdvance(text) + (hasBolt ? boltWidth : 0);
+    const double words = text.isEmpty() ? 0 : numberWidth(text, font) + (hasBolt ? boltWidth : 0);
     const double between = glyph.width > 0 && words > 0 ? gap : 0;
     double left = middle.x() - (glyph.width + between + words) / 2;
     if (label.glyph)
@@ -42,9 +42,10 @@ void paintMenuBarLabel(QPainter& painter, const MenuBarLabel& label, QPointF mid
         symbols.paint(painter, "bolt.fill", {left - 3, middle.y() - 7, 14, 14}, ink);
         left += boltWidth;
     }
-    painter.setFont(font);
-    painter.setPen(ink);
-    painter.drawText(QPointF(left, middle.y() + metrics.capHeight() / 2), text);
+    // The capitals' middle, not the line's, stands beside the glyph's.
+    const QFontMetricsF metrics(font);
+    const double line = middle.y() + metrics.capHeight() / 2 - metrics.ascent() + metrics.height() / 2;
+    paintNumber(painter, {left, line - 10, words, 20}, Qt::AlignLeft, text, font, ink);
 }
 
 } // namespace kivo

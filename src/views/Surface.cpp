@@ -3,9 +3,12 @@
 
 #include "overlay/IslandShape.h"
 #include "views/Convert.h"
+#include "views/Typeface.h"
 
 #include <QFontMetricsF>
+#include <QHash>
 #include <QPainterPath>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -45,6 +48,39 @@ QColor accent(const QPalette& palette) {
     return told.saturation() < 60 ? usual : told;
 }
 
+bool isDigit(QChar character) {
+    return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+}
+
+double digitWidth(const QFont& font, const QFontMetricsF& metrics) {
+    static QHash<QFont, double> widths;
+    double& width = widths[font];
+    if (width == 0) {
+        for (char digit = '0'; digit <= '9'; ++digit)
+            width = std::max(width, metrics.horizontalAdvance(QLatin1Char(digit)));
+    }
+    return width;
+}
+
+// Calls `draw` with every digit, and with what stands between digits, and where each begins; the whole width.
+template <typename Draw>
+double walkNumber(const QString& text, const QFont& font, const Draw& draw) {
+    const QFontMetricsF metrics(font);
+    const double digit = digitWidth(font, metrics);
+    double left = 0;
+    for (qsizetype start = 0, end = 0; start < text.size(); start = end) {
+        end = start + 1;
+        const bool isOneDigit = isDigit(text[start]);
+        while (!isOneDigit && end < text.size() && !isDigit(text[end]))
+            ++end;
+        const QString run = text.mid(start, end - start);
+        const double width = metrics.horizontalAdvance(run);
+        draw(run, isOneDigit ? left + (digit - width) / 2 : left);
+        left += isOneDigit ? digit : width;
+    }
+    return left;
+}
+
 } // namespace
 
 Surface surfaceFor(const QPalette& palette) {
@@ -60,6 +96,16 @@ Surface surfaceFor(const QPalette& palette) {
     surface.track = withAlpha(surface.ink, surface.isDark ? 0.12 : 0.09);
     surface.accent = accent(palette);
     return surface;
+}
+
+void colorTips(const Surface& surface) {
+    QPalette palette;
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        palette.setColor(group, QPalette::ToolTipBase, surface.card);
+        palette.setColor(group, QPalette::ToolTipText, surface.secondary); // also their frame
+    }
+    QToolTip::setPalette(palette);
+    QToolTip::setFont(typeface(12, QFont::Normal));
 }
 
 QColor toQColor(const Ink& ink, const Surface& surface) {
@@ -121,6 +167,24 @@ void paintText(QPainter& painter, const QRectF& box, Qt::Alignment alignment, co
 
 double textWidth(const QString& text, const QFont& font) {
     return QFontMetricsF(font).horizontalAdvance(text);
+}
+
+void paintNumber(QPainter& painter, const QRectF& box, Qt::Alignment alignment, const QString& text,
+                 const QFont& font, const QColor& color) {
+    const QFontMetricsF metrics(font);
+    const double room = box.width() - numberWidth(text, font);
+    const double left = box.x() + (alignment & Qt::AlignRight     ? room
+                                   : alignment & Qt::AlignHCenter ? room / 2
+                                                                  : 0);
+    const double baseline = box.y() + (box.height() - metrics.height()) / 2 + metrics.ascent();
+    painter.setFont(font);
+    painter.setPen(color);
+    walkNumber(text, font,
+               [&](const QString& run, double at) { painter.drawText(QPointF(left + at, baseline), run); });
+}
+
+double numberWidth(const QString& text, const QFont& font) {
+    return walkNumber(text, font, [](const QString&, double) {});
 }
 
 } // namespace kivo

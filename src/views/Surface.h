@@ -27,6 +27,9 @@ struct Surface {
 
 Surface surfaceFor(const QPalette& palette);
 
+// Tips, which are windows of their own, in these colours from now on.
+void colorTips(const Surface& surface);
+
 QColor toQColor(const Ink& ink, const Surface& surface);
 
 // `color` as an opaque one on the card; `share` of it, from 0 to 1.
@@ -47,5 +50,11 @@ void paintText(QPainter& painter, const QRectF& box, Qt::Alignment alignment, co
                const QFont& font, const QColor& color);
 
 double textWidth(const QString& text, const QFont& font);
+
+// One line in the middle of the box's height, its digits of one width: nothing moves when a number changes, and
+// columns of them agree.
+void paintNumber(QPainter& painter, const QRectF& box, Qt::Alignment alignment, const QString& text,
+                 const QFont& font, const QColor& color);
+double numberWidth(const QString& text, const QFont& font);
 
 } // namespace kivo

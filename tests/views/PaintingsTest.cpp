@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "Stage.h"
 #include "devices/PowerDevice.h"
+#include "views/BatteryGlyphPainter.h"
 #include "views/EdgeGlowPainter.h"
 #include "views/Numerals.h"
+#include "views/Surface.h"
 #include "views/SymbolDrawing.h"
 #include "views/SymbolPainter.h"
 #include "views/TrayImage.h"
+#include "views/Typeface.h"
 
 #include <gtest/gtest.h>
 
@@ -219,6 +222,28 @@ TEST(TrayImage, ShowsTheLevelInTheRightColour) {
         const int y = row.style == MenuBarStyle::compact ? 24 : 16;
         EXPECT_EQ(isNear(image.pixelColor(6, y), row.fill), row.isFilled) << text(image.pixelColor(6, y));
     }
+}
+
+// What was painted before must not show inside the battery.
+TEST(BatteryGlyph, IsTheSameWhateverThePainterDidBefore) {
+    const MenuBarLabel label =
+        menuBarLabel(BatterySnapshot{.level = 40, .isCharging = true}, MenuBarStyle::compact);
+    std::vector<QImage> images;
+    for (const QBrush& before : {QBrush(Qt::NoBrush), QBrush(Qt::white)}) {
+        SymbolPainter symbols;
+        images.push_back(blank(48));
+        QPainter painter(&images.back());
+        painter.setBrush(before);
+        paintBatteryGlyph(painter, *label.glyph, {4, 4}, Qt::white, symbols);
+    }
+    EXPECT_EQ(images[0], images[1]);
+}
+
+TEST(Surface, DigitsOfNumbersHaveOneWidth) {
+    const QFont font = typeface(13, QFont::DemiBold);
+    EXPECT_DOUBLE_EQ(numberWidth("11%", font), numberWidth("88%", font));
+    EXPECT_GT(numberWidth("100 %", font), numberWidth("88 %", font));
+    EXPECT_EQ(numberWidth("", font), 0);
 }
 
 } // namespace
