@@ -22,6 +22,7 @@ constexpr double padding = 16;
 constexpr int bareHeight = 132;
 constexpr int emptyHeight = 104;
 constexpr int notesTop = 124;
+constexpr int notesSide = 16;
 constexpr int noteGap = 8;
 constexpr double levelBaseline = 84;
 constexpr double shineWidth = 72;
@@ -116,15 +117,15 @@ int HeroCardView::heightFor(int width) const {
         return bareHeight;
     int height = notesTop;
     for (const auto& note : notes_)
-        height += note->heightFor(width - 24) + noteGap;
-    return height - noteGap + 12;
+        height += note->heightFor(width - 2 * notesSide) + noteGap;
+    return height - noteGap + notesSide;
 }
 
 void HeroCardView::layOutNotes() {
     int top = notesTop;
     for (auto& note : notes_) {
-        const int height = note->heightFor(width() - 24);
-        note->setGeometry(12, top, width() - 24, height);
+        const int height = note->heightFor(width() - 2 * notesSide);
+        note->setGeometry(notesSide, top, width() - 2 * notesSide, height);
         top += height + noteGap;
     }
 }
@@ -230,7 +231,7 @@ void HeroCardView::paintLevel(QPainter& painter) {
     // Large figures have room on their left: their edge, not their box, stands on the margin.
     const double left = padding - 2;
     painter.drawText(QPointF(left, levelBaseline), number);
-    const double end = left + textWidth(number, numberFont) + 2;
+    const double end = left + textWidth(number, numberFont);
     const QFont signFont = typeface(20, QFont::DemiBold);
     painter.setFont(signFont);
     painter.setPen(context_.surface.tertiary);

@@ -76,6 +76,7 @@ MenuWindow::MenuWindow(MainLoop& loop, SymbolPainter& symbols, bool reducesMotio
     setAttribute(Qt::WA_TranslucentBackground, isBlended_);
     // The keyboard is ready without a ring around anything yet.
     setFocusPolicy(Qt::StrongFocus);
+    colorTips(context_.surface);
     wire();
 }
 
@@ -146,10 +147,14 @@ void MenuWindow::setRoom(QSize room) {
     layOut();
 }
 
-// In one line where they fit, else in two; returns where they end.
+// In one line where they and their texts fit, else in two; returns where they end.
 int MenuWindow::layOutTiles(int top, int inner) {
     const auto count = static_cast<int>(tiles_.size());
-    const int columns = (inner + tileGap) / count - tileGap >= leastTileWidth ? count : 2;
+    const int inOneLine = (inner + tileGap) / count - tileGap;
+    const bool fits =
+        inOneLine >= leastTileWidth &&
+        std::all_of(tiles_.begin(), tiles_.end(), [&](const auto& tile) { return tile->fits(inOneLine); });
+    const int columns = fits ? count : 2;
     const int narrowest = (inner + tileGap) / columns - tileGap;
     int height = 0;
     for (const auto& tile : tiles_)
@@ -268,6 +273,7 @@ void MenuWindow::closeEvent(QCloseEvent* event) {
 void MenuWindow::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange) {
         context_.surface = surfaceFor(QGuiApplication::palette());
+        colorTips(context_.surface);
         update();
         const auto parts = findChildren<QWidget*>();
         for (QWidget* part : parts)

@@ -70,18 +70,21 @@ int TileView::heightFor(int width) const {
     return captionLines(width).size() > 1 ? 88 : 76;
 }
 
+bool TileView::fits(int width) const {
+    const double room = width - padding - rightPadding;
+    const QString value = toQString(tile_.value);
+    const QStringList caption = captionLines(width);
+    return !isTooLong(value, fitted(value, room), room) &&
+           std::none_of(caption.begin(), caption.end(),
+                        [room](const QString& line) {
+                            return isTooLong(line, typeface(captionSize, QFont::Normal), room);
+                        }) &&
+           !isTooLong(toQString(tile_.label), typeface(captionSize, QFont::Medium), room - 19);
+}
+
 // Whoever points at a text that is shortened gets the whole of it.
 void TileView::updateTip() {
-    const double room = width() - padding - rightPadding;
-    const QString value = toQString(tile_.value);
-    const QStringList caption = captionLines(width());
-    const bool isShortened = isTooLong(value, fitted(value, room), room) ||
-                             std::any_of(caption.begin(), caption.end(),
-                                         [room](const QString& line) {
-                                             return isTooLong(line, typeface(captionSize, QFont::Normal), room);
-                                         }) ||
-                             isTooLong(toQString(tile_.label), typeface(captionSize, QFont::Medium), room - 19);
-    setToolTip(isShortened ? accessibleName() : QString());
+    setToolTip(fits(width()) ? QString() : accessibleName());
 }
 
 void TileView::paintEvent(QPaintEvent*) {

@@ -16,6 +16,8 @@ public:
     TileView(ViewContext& context, QWidget* parent);
     void setTile(const HealthTile& tile);
     int heightFor(int width) const;
+    // Whether all of it can be read in this width.
+    bool fits(int width) const;
     QAccessible::Role role() const override { return QAccessible::StaticText; }
 
 protected:

@@ -275,6 +275,28 @@ TEST_F(MenuWindowTest, IsReadByAssistiveTechnologies) {
     EXPECT_EQ(forgotten, std::vector<std::string>{"p0"});
 }
 
+TEST_F(MenuWindowTest, TilesStandInTwoLinesRatherThanShortenATextOrLeaveTheWindow) {
+    const struct {
+        const char* label;
+        const char* condition;
+        int room;
+        bool isOneLine;
+    } rows[] = {{"usual", "Normal", 1264, true},
+                {"a long word", "Unusually-worn-out", 1264, false},
+                {"a narrow screen", "Normal", 280, false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        MenuSource source = onBattery(0);
+        source.condition = row.condition;
+        window.setRoom({row.room, 800});
+        show(source);
+        ASSERT_TRUE(part("mAh") && part("Status"));
+        EXPECT_EQ(part("mAh")->y() == part("Status")->y(), row.isOneLine);
+        EXPECT_LE(part("Status")->geometry().right(), window.width());
+        EXPECT_EQ(part("Status")->toolTip().toStdString(), "");
+    }
+}
+
 TEST(Surface, EveryTextCanBeRead) {
     auto contrast = [](const QColor& a, const QColor& b) {
         return (std::max(luminance(a), luminance(b)) + 0.05) / (std::min(luminance(a), luminance(b)) + 0.05);
