@@ -12,13 +12,13 @@ namespace kivo {
 
 namespace {
 
-constexpr int ruleInset = 29;
+constexpr int ruleInset = 28;
 
 // The button that adds a rule stands in a row of its own, under the titles of the others.
 QWidget* addRow(FormButton* button) {
     auto* row = new QWidget;
     auto* line = new QHBoxLayout(row);
-    line->setContentsMargins(ruleInset - focusRoom - 6, 4, 12, 4);
+    line->setContentsMargins(ruleInset - focusRoom - 8, 4, 12, 4);
     line->addWidget(button);
     line->addStretch(1);
     return row;

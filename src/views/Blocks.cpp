@@ -20,6 +20,8 @@ namespace {
 
 constexpr double cardRadius = 12;
 constexpr int rowSide = 16;
+constexpr int cardRowHeight = 40;
+constexpr int formRowHeight = 34;
 
 QFont fontOf(TextBlock::Style style) {
     using Style = TextBlock::Style;
@@ -101,7 +103,8 @@ TextBlock::TextBlock(Style style, const std::string& text) {
     setTextFormat(Qt::PlainText);
     if (style == Style::hero || style == Style::lead)
         setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    // As high as its lines in the width that it gets, not in the one that it would like best.
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     show(text);
@@ -118,6 +121,36 @@ void TextBlock::show(const std::string& text) {
 
 int TextBlock::naturalWidth() const {
     return fontMetrics().horizontalAdvance(toQString(shown_)) + 2;
+}
+
+// The least width in which the text takes no more lines than in this one.
+int TextBlock::balancedWidth(int width) const {
+    const auto bounds = [this](int room) {
+        return fontMetrics().boundingRect(QRect(0, 0, room, 10000), Qt::TextWordWrap, text());
+    };
+    const int height = bounds(width).height();
+    int tooNarrow = width / 2;
+    for (int enough = width;;) {
+        if (enough - tooNarrow <= 1)
+            return enough;
+        const int middle = (enough + tooNarrow) / 2;
+        const QRect box = bounds(middle);
+        (box.height() > height || box.width() > middle ? tooNarrow : enough) = middle;
+    }
+}
+
+void TextBlock::paintEvent(QPaintEvent* event) {
+    if (!(alignment() & Qt::AlignHCenter) || textFormat() != Qt::PlainText) {
+        QLabel::paintEvent(event);
+        return;
+    }
+    // Centred lines of about one length, rather than a single word in the last.
+    const QRect box = contentsRect();
+    const int width = balancedWidth(box.width());
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    painter.drawText(QRect(box.x() + (box.width() - width) / 2, box.y(), width, box.height()),
+                     static_cast<int>(alignment()) | Qt::TextWordWrap, text());
 }
 
 // SymbolBlock
@@ -166,10 +199,12 @@ void Card::paintEvent(QPaintEvent* /*event*/) {
 
 // Rows
 
-Row::Row(QWidget* texts, QWidget* control) {
+Row::Row(QWidget* texts, QWidget* control) : gap_(12), wideTop_(10 - focusRoom), narrowTop_(wideTop_) {
     auto* line = new QBoxLayout(QBoxLayout::LeftToRight, this);
-    line->setContentsMargins(rowSide, 10 - focusRoom, rowSide - focusRoom, 10 - focusRoom);
-    line->setSpacing(12);
+    line->setContentsMargins(rowSide - focusRoom, wideTop_, rowSide - focusRoom, wideTop_);
+    // What is seen of a control below the texts begins where they begin.
+    texts->setContentsMargins(focusRoom, 0, 0, 0);
+    setMinimumHeight(cardRowHeight);
     line->addWidget(texts, 1);
     line->addWidget(control, 0, Qt::AlignVCenter);
     // Whatever stands beside a switch has room.
@@ -177,11 +212,13 @@ Row::Row(QWidget* texts, QWidget* control) {
     narrow_ = width < 60 ? 0 : width + 240;
 }
 
-Row::Row(QWidget* title, QWidget* field, int titleWidth) : narrow_(titleWidth + 270) {
+Row::Row(QWidget* title, QWidget* field, int titleWidth)
+    : narrow_(titleWidth + 270), gap_(12 - focusRoom), narrowTop_(6) {
     auto* line = new QBoxLayout(QBoxLayout::LeftToRight, this);
     line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(12 - focusRoom);
-    title->setFixedWidth(titleWidth);
+    title->setContentsMargins(focusRoom, 0, 0, 0);
+    title->setFixedWidth(titleWidth + focusRoom);
+    setMinimumHeight(formRowHeight);
     line->addWidget(title, 0, Qt::AlignVCenter);
     const bool isWide = field->sizePolicy().horizontalPolicy() & QSizePolicy::GrowFlag;
     line->addWidget(field, 1, isWide ? Qt::Alignment() : Qt::AlignLeft | Qt::AlignVCenter);
@@ -191,6 +228,10 @@ void Row::resizeEvent(QResizeEvent* event) {
     const bool isNarrow = event->size().width() < narrow_;
     auto* line = static_cast<QBoxLayout*>(layout());
     line->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    line->setSpacing(isNarrow ? 2 : gap_);
+    QMargins margins = line->contentsMargins();
+    margins.setTop(isNarrow ? narrowTop_ : wideTop_);
+    line->setContentsMargins(margins);
 }
 
 QWidget* textColumn(const std::vector<QWidget*>& texts) {
@@ -238,7 +279,7 @@ QWidget* section(const std::string& title, const std::string& detail, SymbolBloc
 void orderFocus(QWidget* root) {
     QWidget* previous = nullptr;
     for (QWidget* widget : root->findChildren<QWidget*>()) {
-        if (!(widget->focusPolicy() & Qt::TabFocus))
+        if (widget->focusPolicy() == Qt::NoFocus || widget->window() != root->window())
             continue;
         if (previous)
             QWidget::setTabOrder(previous, widget);

@@ -34,7 +34,12 @@ public:
     // On one line.
     int naturalWidth() const;
 
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
 private:
+    int balancedWidth(int width) const;
+
     std::string shown_;
 };
 
@@ -86,7 +91,10 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    int narrow_; // the width from which on both are beside one another
+    int narrow_ = 0; // the width from which on both are beside one another
+    int gap_;        // between them there
+    int wideTop_ = 0;
+    int narrowTop_; // above them: what belongs together is nearer than what does not
 };
 
 // Texts above one another.

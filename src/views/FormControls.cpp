@@ -67,6 +67,11 @@ bool showsFocus(const QWidget& control) {
     return control.hasFocus() && control.window()->testAttribute(Qt::WA_KeyboardFocusChange);
 }
 
+void keepTabStop(const std::vector<QAbstractButton*>& options, const QAbstractButton* chosen) {
+    for (QAbstractButton* option : options)
+        option->setFocusPolicy(option == chosen ? Qt::StrongFocus : Qt::ClickFocus);
+}
+
 // FormButton
 
 FormButton::FormButton(Kit& kit, Kind kind, const std::string& text, std::string symbol)
@@ -216,7 +221,7 @@ void Switch::paintEvent(QPaintEvent* /*event*/) {
 namespace {
 
 constexpr int disclosureSide = 12; // from its edge to what it shows
-constexpr int disclosureTop = 9;
+constexpr int disclosureTop = 10;
 constexpr int chevronRoom = 30;
 
 } // namespace
@@ -272,7 +277,7 @@ void Disclosure::showUnfolded(bool isUnfolded) {
 }
 
 int Disclosure::textLeft() const {
-    return disclosureSide + (mark_ ? 14 : symbol_.empty() ? 0 : 26);
+    return disclosureSide + (mark_ ? 12 : symbol_.empty() ? 0 : 28);
 }
 
 QRect Disclosure::titleBox(int width) const {

@@ -9,6 +9,7 @@
 #include <QPushButton>
 
 #include <string>
+#include <vector>
 
 namespace kivo {
 
@@ -20,6 +21,9 @@ QColor deepened(const QColor& accent);
 
 // Whether to show that the control has the keyboard: not after a click.
 bool showsFocus(const QWidget& control);
+
+// The keyboard comes to the chosen one of several options, from where arrow keys go on.
+void keepTabStop(const std::vector<QAbstractButton*>& options, const QAbstractButton* chosen);
 
 // A button in one of the forms that the windows use. It shrinks a little while it is pressed.
 class FormButton final : public QPushButton {

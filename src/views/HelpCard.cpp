@@ -8,7 +8,7 @@ namespace kivo {
 
 namespace {
 
-constexpr int topicInset = 42;
+constexpr int topicInset = 44;
 
 // Lines with a bullet before each.
 QWidget* steps(const std::vector<std::string>& texts) {

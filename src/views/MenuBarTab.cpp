@@ -20,7 +20,7 @@ namespace kivo {
 namespace {
 
 constexpr int previewWidth = 92;
-constexpr int textLeft = 46;
+constexpr int textLeft = 44;
 
 } // namespace
 
@@ -76,7 +76,7 @@ private:
         return QFontMetrics(typeface(13, QFont::Medium)).boundingRect(room, Qt::TextWordWrap, text());
     }
     void paintMark(QPainter& painter, const Surface& surface) {
-        const QPointF middle(26, height() / 2.0);
+        const QPointF middle(24, height() / 2.0);
         painter.setPen(isChecked() ? QPen(Qt::NoPen) : QPen(surface.tertiary, 1.5));
         painter.setBrush(isChecked() ? QBrush(surface.accent) : QBrush(Qt::NoBrush));
         painter.drawEllipse(middle, 8, 8);
@@ -113,7 +113,7 @@ MenuBarTab::MenuBarTab(Kit& kit, SettingsModel& model) : model_(model) {
         card->addRow(row);
         styles_.push_back(row);
     }
-    auto* symbol = new SymbolBlock(kit, "menubar.rectangle", SurfaceInk::secondary, 20);
+    auto* symbol = new SymbolBlock(kit, "menubar.rectangle", SurfaceInk::secondary, 18);
     lines->addWidget(section(content.title, {}, symbol, card));
     note_ = new TextBlock(TextBlock::Style::caption, content.note);
     note_->setContentsMargins(4, 0, 4, 0);
@@ -126,6 +126,9 @@ void MenuBarTab::refresh() {
     const MenuBarPaneContent content = model_.menuBar();
     for (std::size_t i = 0; i < styles_.size(); ++i)
         styles_[i]->show(content.styles[i], content.styles[i].style == content.selected);
+    const auto chosen =
+        std::find_if(styles_.begin(), styles_.end(), [](auto* row) { return row->isChecked(); });
+    keepTabStop({styles_.begin(), styles_.end()}, chosen == styles_.end() ? styles_.front() : *chosen);
 }
 
 } // namespace kivo

@@ -17,7 +17,7 @@ PermissionControl::PermissionControl(Kit& kit, const std::string& subject, const
     line->addWidget(button_);
     sign_ = new QWidget;
     auto* parts = new QHBoxLayout(sign_);
-    parts->setContentsMargins(0, 0, focusRoom, 0);
+    parts->setContentsMargins(focusRoom, 0, focusRoom, 0);
     parts->setSpacing(5);
     parts->addWidget(new SymbolBlock(kit, "checkmark.circle.fill", color(LevelTone::charging), 18));
     auto* text = new TextBlock(TextBlock::Style::field, done);

@@ -8,10 +8,12 @@
 
 #include <QAbstractItemView>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QRadioButton>
+#include <QStyledItemDelegate>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -111,8 +113,8 @@ protected:
             painter.drawEllipse(middle, dotSide / 2.0 + 3, dotSide / 2.0 + 3);
         }
         if (showsFocus(*this)) {
-            painter.setPen(QPen(surface.ink, 1.5, Qt::DotLine));
-            painter.drawEllipse(middle, dotSide / 2.0 + 4, dotSide / 2.0 + 4);
+            painter.setPen(QPen(surface.ink, 1.5));
+            painter.drawEllipse(middle, dotSide / 2.0 + 4.25, dotSide / 2.0 + 4.25);
         }
     }
 
@@ -132,6 +134,34 @@ private:
     std::optional<Color> color_;
 };
 
+// The lines of a menu that drops down, as high as a finger and with room at their sides.
+class Lines final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        const double text = textWidth(index.data().toString(), option.font);
+        return {static_cast<int>(std::ceil(text)) + 2 * lineSide, lineHeight};
+    }
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        const Surface surface = surfaceFor(option.palette);
+        const bool isCurrent = option.state & QStyle::State_Selected;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->fillRect(option.rect, surface.card);
+        if (isCurrent)
+            painter->fillPath(roundedPath(QRectF(option.rect).adjusted(3, 1, -3, -1), 6),
+                              option.palette.color(QPalette::Highlight));
+        paintText(*painter, QRectF(option.rect).adjusted(lineSide, 0, -4, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                  index.data().toString(), option.font, isCurrent ? QColor(Qt::white) : surface.ink);
+        painter->restore();
+    }
+
+private:
+    static constexpr int lineHeight = 26;
+    static constexpr int lineSide = 12;
+};
+
 } // namespace
 
 // ChoiceRow
@@ -147,8 +177,11 @@ void ChoiceRow::add(QAbstractButton* option) {
     const int index = static_cast<int>(options_.size());
     options_.push_back(option);
     layout()->addWidget(option);
+    keepTabStop(options_, options_.front());
     QObject::connect(option, &QAbstractButton::toggled, this, [this, index](bool isChosen) {
         update();
+        if (isChosen)
+            keepTabStop(options_, options_[static_cast<std::size_t>(index)]);
         if (isChosen && onChoose)
             onChoose(index);
     });
@@ -250,7 +283,7 @@ void NumberSlider::paintEvent(QPaintEvent* /*event*/) {
     painter.setBrush(surface.accent);
     painter.drawRoundedRect(QRectF(track.x(), track.y(), knob.x() - track.x(), track.height()), 2, 2);
     painter.setBrush(withAlpha(Qt::black, surface.isDark ? 0.3 : 0.16));
-    painter.drawEllipse(knob + QPointF(0, 0.5), knobSide / 2 + 0.5, knobSide / 2 + 0.5);
+    painter.drawEllipse(knob + QPointF(0, 0.5), knobSide / 2 + 0.75, knobSide / 2 + 0.75);
     painter.setBrush(Qt::white);
     painter.drawEllipse(knob, knobSide / 2, knobSide / 2);
     if (showsFocus(*this)) {
@@ -268,6 +301,7 @@ DropDown::DropDown(const std::string& spoken, const std::vector<std::string>& op
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setMaxVisibleItems(20);
+    setItemDelegate(new Lines(this));
     for (const std::string& option : options)
         addItem(toQString(option));
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
@@ -286,7 +320,20 @@ void DropDown::showPopup() {
     colors.setColor(QPalette::Highlight, deepened(surface.accent));
     view()->setPalette(colors);
     view()->window()->setPalette(colors);
+    view()->removeEventFilter(this);
+    view()->installEventFilter(this);
     QComboBox::showPopup();
+}
+
+// Qt closes the menu for Escape before it asks who wants the key, and the window would close with it.
+bool DropDown::eventFilter(QObject* watched, QEvent* event) {
+    const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
+    if (!isKey || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
+        return QComboBox::eventFilter(watched, event);
+    event->accept();
+    if (event->type() == QEvent::KeyPress)
+        hidePopup();
+    return true;
 }
 
 QSize DropDown::sizeHint() const {

@@ -89,6 +89,7 @@ public:
     // Without telling anybody.
     void show(int index);
     void showPopup() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 

@@ -15,7 +15,7 @@ namespace kivo {
 
 namespace {
 
-constexpr int editorLeft = 29; // where the titles of the rules begin
+constexpr int editorLeft = 28; // where the titles of the rules begin
 constexpr int buttonInset = 9; // from a button's edge to its text
 constexpr int narrowestTitle = 112;
 constexpr int widestTitle = 180;
@@ -69,13 +69,13 @@ RuleEditorView::RuleEditorView(Kit& kit, const RuleEditorTexts& texts, const Ale
                                std::function<void()> remove)
     : edit_(std::move(edit)) {
     lines_ = new QVBoxLayout(this);
-    lines_->setContentsMargins(editorLeft - buttonInset, 4, 16 - focusRoom, 12);
-    lines_->setSpacing(6);
+    lines_->setContentsMargins(editorLeft - buttonInset, 0, 16 - focusRoom, 10);
+    lines_->setSpacing(2);
     addFields(kit, texts, editor);
     addSwitches(kit, texts);
 
     auto* buttons = new QHBoxLayout;
-    buttons->setContentsMargins(0, 2, 0, 0);
+    buttons->setContentsMargins(0, 0, 0, 0);
     if (editor.canDelete) {
         auto* removal = new FormButton(kit, FormButton::Kind::destructive, texts.remove);
         connect(removal, &FormButton::clicked, this, [remove = std::move(remove)] { remove(); });
@@ -97,7 +97,7 @@ void RuleEditorView::addFields(Kit& kit, const RuleEditorTexts& texts,
     titleWidth = std::min(titleWidth, widestTitle);
     const auto add = [&](const std::string& title, QWidget* field) {
         auto* row = new Row(new TextBlock(TextBlock::Style::field, title), field, titleWidth);
-        row->setContentsMargins(buttonInset, 0, 0, 0);
+        row->setContentsMargins(buttonInset - focusRoom, 0, 0, 0);
         lines_->addWidget(row);
     };
     if (editor.range) {
@@ -129,6 +129,7 @@ void RuleEditorView::addSwitches(Kit& kit, const RuleEditorTexts& texts) {
         auto* control = new Switch(kit, title);
         auto* row = sideBySide(new TextBlock(TextBlock::Style::field, title), control);
         row->setContentsMargins(buttonInset, 0, 0, 0);
+        row->setMinimumHeight(34);
         lines_->addWidget(row);
         return control;
     };

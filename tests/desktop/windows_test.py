@@ -129,6 +129,14 @@ class WindowsTest(KivoTest):
             edited = self.stored(kivo)['alertSettings.v2']['rules'][1]
             return (edited['isEnabled'], edited['trigger']) == (False, {'macBelow': {'_0': 22}})
         wait_for('the rule in the file', written, 20)
+        # On to the sounds, whose menu Escape closes alone, and back to the colour that is chosen.
+        self.key('Tab', 'Tab', 'Tab', 'space')
+        time.sleep(0.5)
+        self.key('Escape', 'shift+Tab', 'Right')
+
+        def coloured():
+            return self.stored(kivo)['alertSettings.v2']['rules'][1]['tint'] == 'green'
+        wait_for('the second colour in the file', coloured, 20)
         self.key('ctrl+w')
         self.await_no_window('Kivo Settings')
         kivo.quit()
