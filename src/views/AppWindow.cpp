@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/AppWindow.h"
 
+#include "views/AppIcon.h"
 #include "views/Convert.h"
 #include "views/Surface.h"
 
@@ -38,6 +39,7 @@ QPalette paletteOf(const Surface& surface) {
 AppWindow::AppWindow(MainLoop& loop, Workspace& workspace, const std::string& title, QSize wanted)
     : kit_{loop, workspace} {
     setWindowTitle(toQString(title));
+    setWindowIcon(appIcon());
     takeColors();
     QList<QKeySequence> closing = QKeySequence::keyBindings(QKeySequence::Close);
     closing << QKeySequence(Qt::Key_Escape);
@@ -57,7 +59,9 @@ AppWindow::~AppWindow() {
 }
 
 void AppWindow::takeColors() {
-    setPalette(paletteOf(surfaceFor(QGuiApplication::palette())));
+    const Surface surface = surfaceFor(QGuiApplication::palette());
+    setPalette(paletteOf(surface));
+    colorTips(surface);
 }
 
 void AppWindow::present() {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "views/UpdateWindow.h"
 
+#include "views/AppIcon.h"
 #include "views/Convert.h"
+#include "views/FormControls.h"
 #include "views/Typeface.h"
 
 #include <QCloseEvent>
@@ -27,6 +29,7 @@ constexpr int cardRadius = 12;
 constexpr int lineGap = 4;
 constexpr int bulletWidth = 14;
 constexpr int buttonHeight = 28;
+constexpr int leastPrimary = 84;
 constexpr int leastNotes = 60;
 constexpr int mostNotes = 260;
 constexpr int keyStep = 40;
@@ -57,29 +60,46 @@ void paintWrapped(QPainter& painter, const QRect& box, const std::string& text, 
     painter.drawText(box, Qt::TextWordWrap, toQString(text));
 }
 
-// The one that most people want: a word on a field of the accent.
-class PrimaryButton final : public Button {
+// A word on a field; of the accent for the one that most people want.
+class WordButton final : public Button {
 public:
-    PrimaryButton(ViewContext& context, QWidget* parent) : Button(context, parent) {}
+    WordButton(ViewContext& context, QWidget* parent, bool isPrimary)
+        : Button(context, parent), isPrimary_(isPrimary) {}
     QSize sizeHint() const override {
-        return {static_cast<int>(std::ceil(textWidth(text(), headingFont()))) + 24, buttonHeight};
+        const int width = static_cast<int>(std::ceil(textWidth(text(), textFont()))) + 28;
+        return {isPrimary_ ? std::max(width, leastPrimary) : width, buttonHeight};
     }
 
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        QColor field = context_.surface.accent;
-        if (isDown())
-            field = field.darker(112);
-        else if (isUnderPointer())
-            field = field.darker(105);
-        painter.fillPath(roundedPath(rect(), 8), field);
-        paintText(painter, rect(), Qt::AlignCenter, text(), headingFont(),
-                  readable(luminance(field) > 0.5 ? Qt::black : Qt::white, field));
-        if (showsFocus())
-            paintFocusRing(painter, QRectF(rect()).adjusted(1, 1, -1, -1), 8, context_.surface);
+        const Surface& surface = context_.surface;
+        QColor shade = surface.ink;
+        shade.setAlphaF(isPrimary_ ? 0.0F : surface.isDark ? 0.12F : 0.07F);
+        const QPainterPath field = roundedPath(rect(), 8);
+        painter.fillPath(field, isPrimary_ ? deepened(surface.accent) : shade);
+        shade.setAlphaF(isDown() ? 0.1F : 0.04F);
+        if (isDown() || isUnderPointer())
+            painter.fillPath(field, shade);
+        paintText(painter, rect(), Qt::AlignCenter, text(), textFont(), isPrimary_ ? Qt::white : surface.ink);
+        if (!showsFocus())
+            return;
+        // On the accent a ring of the accent would not be seen.
+        if (isPrimary_)
+            paintRing(painter, QRectF(rect()).adjusted(2, 2, -2, -2), 6, Qt::white);
+        else
+            paintFocusRing(painter, rect(), 8, surface);
     }
+
+private:
+    static void paintRing(QPainter& painter, const QRectF& box, double radius, const QColor& color) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(color, 2));
+        painter.drawPath(roundedPath(box.adjusted(1, 1, -1, -1), radius));
+    }
+
+    bool isPrimary_;
 };
 
 } // namespace
@@ -142,6 +162,7 @@ UpdateWindow::UpdateWindow(MainLoop& loop, const UpdateNotice& notice)
       scroll_(context_, this, notes_) {
     setWindowFlags(Qt::Dialog);
     setWindowTitle(toQString(notice_.windowTitle));
+    setWindowIcon(appIcon());
     setAccessibleName(toQString(notice_.title));
     setAccessibleDescription(toQString(notice_.text));
     scroll_.setVisible(!notice_.sections.empty());
@@ -150,16 +171,14 @@ UpdateWindow::UpdateWindow(MainLoop& loop, const UpdateNotice& notice)
     addButton(notice_.close, !notice_.page, onClose);
     if (notice_.skip)
         addButton(*notice_.skip, false, onSkip);
-    buttons_.front()->setFocus(Qt::OtherFocusReason);
+    // Ready for Enter, without a ring before the keyboard is used.
+    buttons_.front()->setFocus(Qt::PopupFocusReason);
 }
 
 UpdateWindow::~UpdateWindow() = default;
 
 Button& UpdateWindow::addButton(const std::string& title, bool isPrimary, std::function<void()>& callback) {
-    if (isPrimary)
-        buttons_.push_back(std::make_unique<PrimaryButton>(context_, this));
-    else
-        buttons_.push_back(std::make_unique<TextButton>(context_, this));
+    buttons_.push_back(std::make_unique<WordButton>(context_, this, isPrimary));
     Button& button = *buttons_.back();
     button.setText(toQString(title));
     button.setAccessibleName(toQString(title));
