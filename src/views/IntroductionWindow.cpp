@@ -23,6 +23,7 @@ namespace {
 
 constexpr QSize wantedSize{620, 560};
 constexpr int columnWidth = 480;
+constexpr int longestButton = 190;  // that is never shortened
 constexpr double turnDistance = 56; // points that a page comes from the side
 
 } // namespace
@@ -30,7 +31,9 @@ constexpr double turnDistance = 56; // points that a page comes from the side
 // A dot for each step, the current one longer.
 class ProgressDots final : public QWidget, public Spoken {
 public:
-    ProgressDots(Kit& kit, int count) : count_(count), place_(kit, *this) { setFixedSize(count * gap + 14, 8); }
+    ProgressDots(Kit& kit, int count) : count_(count), place_(kit, *this) {
+        setFixedSize((count - 1) * gap + side + longer, 8);
+    }
     QAccessible::Role role() const override { return QAccessible::StaticText; }
     void show(int current, const std::string& spoken) {
         place_.go(current, animations::settle);
@@ -50,13 +53,15 @@ protected:
             if (share <= 0.5)
                 ink.setAlphaF(0.18F);
             painter.setBrush(ink);
-            painter.drawRoundedRect(QRectF(left, 0.5, 7 + 12 * share, 7), 3.5, 3.5);
-            left += gap + 12 * share;
+            painter.drawRoundedRect(QRectF(left, 0.5, side + longer * share, side), side / 2.0, side / 2.0);
+            left += gap + longer * share;
         }
     }
 
 private:
-    static constexpr int gap = 14;
+    static constexpr int gap = 14; // from one to the next
+    static constexpr int side = 7;
+    static constexpr int longer = 12;
 
     int count_;
     Moving place_;
@@ -130,6 +135,7 @@ QWidget* IntroductionWindow::makeFooter(const OnboardingContent& content) {
     auto* footer = new QWidget;
     auto* line = new QGridLayout(footer);
     line->setContentsMargins(24, 12, 24, 20);
+    line->setHorizontalSpacing(0); // also where the first button is away, so that the dots stay in the middle
     line->setColumnStretch(0, 1);
     line->setColumnStretch(2, 1);
     back_ = new FormButton(kit(), FormButton::Kind::plain, content.back);
@@ -174,6 +180,7 @@ void IntroductionWindow::refresh() {
     shown_->show(content);
     back_->setVisible(content.hasBack);
     primary_->setText(toQString(content.primary));
+    primary_->setMinimumWidth(std::min(primary_->sizeHint().width(), longestButton));
     primary_->updateGeometry();
     dots_->show(static_cast<int>(content.step), content.progress);
 }
