@@ -63,16 +63,17 @@ QString title(const std::optional<BatterySnapshot>& snapshot) {
 
 } // namespace
 
-QColor panelInk() {
+PanelInk panelInk() {
     const QColor light(245, 245, 247);
     const QColor dark(28, 28, 30);
     const QByteArray desktop = qgetenv("XDG_CURRENT_DESKTOP").toLower();
     // These draw their panels in the colours of their windows; all others are dark by habit.
     for (const char* following : {"kde", "xfce", "lxqt", "mate"}) {
         if (desktop.contains(following))
-            return luminance(QGuiApplication::palette().color(QPalette::WindowText)) > 0.5 ? light : dark;
+            return luminance(QGuiApplication::palette().color(QPalette::WindowText)) > 0.5 ? PanelInk{light}
+                                                                                           : PanelInk{dark};
     }
-    return light;
+    return {light, true};
 }
 
 TrayIcon::TrayIcon(MainLoop& loop, Observable<std::optional<BatterySnapshot>>& snapshot,
@@ -201,8 +202,10 @@ void TrayIcon::refresh() {
 // The picture goes to whoever shows it.
 void TrayIcon::setPictures() {
     std::vector<QImage> pictures;
-    for (int side : iconSides)
-        pictures.push_back(paintTrayImage(shown_->label, side, shown_->ink, symbols_));
+    for (int side : iconSides) {
+        QImage picture = paintTrayImage(shown_->label, side, shown_->ink.color, symbols_);
+        pictures.push_back(shown_->ink.isGuess ? outlined(picture, Qt::black) : std::move(picture));
+    }
     symbols_.clear();
     if (icon_) {
         QIcon icon;

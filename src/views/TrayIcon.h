@@ -22,6 +22,14 @@ namespace kivo {
 
 class SettingsStore;
 
+// The colour of what stands in the desktop's panel.
+struct PanelInk {
+    QColor color;
+    bool isGuess = false; // the panel may as well be as light as this
+    bool operator==(const PanelInk&) const = default;
+};
+PanelInk panelInk();
+
 // Kivo in the desktop's tray: the menu bar's label as an icon, the battery in words as its tool tip, a menu.
 // A tray may come long after Kivo (a login starts everything at once), and go and come again with its panel.
 // Where status notifier items are shown the icon is one; where only the older kind of tray is, it is a window
@@ -48,7 +56,7 @@ protected:
 private:
     struct Look {
         MenuBarLabel label;
-        QColor ink;
+        PanelInk ink;
         bool operator==(const Look&) const = default;
     };
 
@@ -76,8 +84,5 @@ private:
     bool isRefreshDue_ = false;
     Subscription nextRefresh_;
 };
-
-// The colour of what stands in the desktop's panel, as far as it can be known from here.
-QColor panelInk();
 
 } // namespace kivo

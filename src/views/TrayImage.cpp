@@ -6,6 +6,8 @@
 #include "views/Numerals.h"
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 
 namespace kivo {
 
@@ -51,6 +53,27 @@ QImage paintTrayImage(const MenuBarLabel& label, int side, const QColor& ink, Sy
     }
     if (label.text)
         paintText(painter, toQString(*label.text), textBox, ink, symbols);
+    return image;
+}
+
+QImage outlined(const QImage& picture, const QColor& color) {
+    QImage shape = picture;
+    QPainter onShape(&shape);
+    onShape.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    onShape.fillRect(shape.rect(), color);
+    onShape.end();
+    QImage image(picture.size(), picture.format());
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setOpacity(0.22);
+    const double reach = std::max(picture.width() / 28.0, 0.75);
+    for (int step = 0; step < 8; ++step) {
+        const double angle = step * std::numbers::pi / 4;
+        painter.drawImage(QPointF(reach * std::cos(angle), reach * std::sin(angle)), shape);
+    }
+    painter.setOpacity(1);
+    painter.drawImage(0, 0, picture);
     return image;
 }
 

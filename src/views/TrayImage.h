@@ -13,4 +13,7 @@ namespace kivo {
 // another, as large as the square allows. `ink` is the panel's foreground colour.
 QImage paintTrayImage(const MenuBarLabel& label, int side, const QColor& ink, SymbolPainter& symbols);
 
+// The picture with a soft line around what it shows, for grounds whose colour is not known.
+QImage outlined(const QImage& picture, const QColor& color);
+
 } // namespace kivo

@@ -224,6 +224,18 @@ TEST(TrayImage, ShowsTheLevelInTheRightColour) {
     }
 }
 
+// White on a panel that turns out white.
+TEST(TrayImage, AnOutlineSetsAPictureOffFromItsOwnColour) {
+    QImage picture = blank(32);
+    QPainter(&picture).fillRect(8, 8, 16, 16, Qt::white);
+    const QImage image = outlined(picture, Qt::black);
+    EXPECT_EQ(image.pixelColor(16, 16), QColor(Qt::white));
+    EXPECT_EQ(image.pixelColor(8, 8), QColor(Qt::white));
+    EXPECT_GT(qAlpha(image.pixel(16, 7)), 80);
+    EXPECT_LT(qRed(image.pixel(16, 7)), 20);
+    EXPECT_EQ(qAlpha(image.pixel(16, 2)), 0);
+}
+
 // What was painted before must not show inside the battery.
 TEST(BatteryGlyph, IsTheSameWhateverThePainterDidBefore) {
     const MenuBarLabel label =
