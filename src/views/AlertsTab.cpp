@@ -3,6 +3,7 @@
 
 #include "ui/SettingsModel.h"
 #include "views/IslandPreview.h"
+#include "views/Page.h"
 #include "views/RuleView.h"
 
 #include <QHBoxLayout>

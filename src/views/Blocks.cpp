@@ -9,7 +9,6 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QResizeEvent>
-#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -67,30 +66,6 @@ QString richText(const std::string& text) {
     }
     return html;
 }
-
-// A bar as thin as it can be, over nothing.
-class ThinScrollBar final : public QScrollBar {
-public:
-    ThinScrollBar() : QScrollBar(Qt::Vertical) { setAttribute(Qt::WA_Hover); }
-    QSize sizeHint() const override { return {10, 40}; }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        const double all = maximum() - minimum() + pageStep();
-        if (maximum() <= minimum() || all <= 0)
-            return;
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QColor ink = surfaceFor(palette()).ink;
-        ink.setAlphaF(underMouse() || isSliderDown() ? 0.4F : 0.22F);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(ink);
-        const double room = height() - 4;
-        const double length = std::max(room * pageStep() / all, 28.0);
-        const double top = 2 + (room - length) * (value() - minimum()) / (maximum() - minimum());
-        painter.drawRoundedRect(QRectF(2, top, 6, length), 3, 3);
-    }
-};
 
 } // namespace
 
@@ -272,44 +247,6 @@ QWidget* section(const std::string& title, const std::string& detail, SymbolBloc
     lines->addLayout(head);
     lines->addWidget(card);
     return whole;
-}
-
-// Page
-
-void orderFocus(QWidget* root) {
-    QWidget* previous = nullptr;
-    for (QWidget* widget : root->findChildren<QWidget*>()) {
-        if (widget->focusPolicy() == Qt::NoFocus || widget->window() != root->window())
-            continue;
-        if (previous)
-            QWidget::setTabOrder(previous, widget);
-        previous = widget;
-    }
-}
-
-Page::Page(QWidget* content, const std::string& spoken, int wanted) : wanted_(wanted) {
-    setAccessibleName(toQString(spoken));
-    setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBar(new ThinScrollBar);
-    verticalScrollBar()->setAccessibleName(toQString(spoken));
-    setWidgetResizable(true);
-    setFocusPolicy(Qt::NoFocus);
-    auto* holder = new QWidget;
-    auto* line = new QVBoxLayout(holder);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->addWidget(content);
-    setWidget(holder);
-    holder->setAutoFillBackground(false);
-    viewport()->setAutoFillBackground(false);
-}
-
-void Page::resizeEvent(QResizeEvent* event) {
-    const int side = std::max((width() - wanted_) / 2, 16);
-    // The bar stands in the margin, so that it does not push the column aside.
-    const int bar = width() - viewport()->width();
-    widget()->layout()->setContentsMargins(side, 20, std::max(side - bar, 6), 24);
-    QScrollArea::resizeEvent(event);
 }
 
 } // namespace kivo

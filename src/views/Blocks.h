@@ -6,7 +6,6 @@
 #include "views/Kit.h"
 
 #include <QLabel>
-#include <QScrollArea>
 
 #include <string>
 
@@ -103,21 +102,5 @@ QWidget* switchRow(Switch* control, const std::string& title, const std::string&
 
 // A heading with a symbol and a line under it, over a card.
 QWidget* section(const std::string& title, const std::string& detail, SymbolBlock* symbol, Card* card);
-
-// Lets the keyboard go through everything below `root` in the order in which it stands there.
-void orderFocus(QWidget* root);
-
-// What scrolls in a window: a column that keeps to the middle and gives way to narrow windows.
-class Page final : public QScrollArea {
-public:
-    // `spoken`: what is on it.
-    Page(QWidget* content, const std::string& spoken, int wanted = 560);
-
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-
-private:
-    int wanted_;
-};
 
 } // namespace kivo

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "views/HelpCard.h"
 
+#include "views/Page.h"
+
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
@@ -50,6 +52,7 @@ private:
         if (isUnfolded) {
             steps_ = steps(topic_.steps);
             lines_->addWidget(steps_);
+            revealGrown(this);
         } else if (steps_) {
             delete std::exchange(steps_, nullptr);
         }

@@ -5,6 +5,7 @@
 #include "views/Blocks.h"
 #include "views/Convert.h"
 #include "views/IntroductionPages.h"
+#include "views/Page.h"
 #include "views/Spoken.h"
 #include "views/Surface.h"
 

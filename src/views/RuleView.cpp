@@ -5,6 +5,7 @@
 #include "support/Text.h"
 #include "views/Blocks.h"
 #include "views/Convert.h"
+#include "views/Page.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -186,6 +187,7 @@ void RuleView::show(const AlertsPaneContent::Rule& rule) {
             kit_, texts_, *rule.editor, [this](const RuleEdit& edit) { actions_.edit(index_, edit); },
             [this] { actions_.test(index_); }, [this] { actions_.remove(index_); });
         lines_->addWidget(editor_);
+        revealGrown(this);
     } else if (editor_) {
         editor_->hide();
         editor_->deleteLater();

@@ -6,6 +6,7 @@
 #include "views/EnergyTab.h"
 #include "views/GeneralTab.h"
 #include "views/MenuBarTab.h"
+#include "views/Page.h"
 #include "views/Surface.h"
 
 #include <QPainter>
@@ -77,6 +78,9 @@ void SettingsWindow::choose(SettingsTab tab) {
 }
 
 void SettingsWindow::showTab(SettingsTab tab) {
+    // The keyboard does not stay in what goes.
+    if (page_ && page_->isAncestorOf(focusWidget()))
+        strip_->setFocus();
     delete page_;
     tab_ = makeTab(tab).release();
     page_ = new Page(tab_, strip_->tabText(static_cast<int>(tab)).toStdString());

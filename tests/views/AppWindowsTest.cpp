@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QPalette>
 #include <QPointer>
+#include <QPushButton>
 #include <QScrollArea>
 
 #include <gtest/gtest.h>
@@ -76,6 +77,31 @@ TEST_F(AppWindowsTest, NothingIsCutOffInANarrowWindow) {
         if (step.value != OnboardingStep::done)
             introduction->next();
     }
+}
+
+TEST_F(AppWindowsTest, WhatUnfoldsOrHasTheKeyboardIsInView) {
+    machine.standardDefaults().set("settingsTab", std::string("general"));
+    windows.open("settings");
+    QWidget* settings = window("Kivo Settings");
+    settings->resize(500, 480);
+    layOut();
+    auto* page = settings->findChild<QScrollArea*>();
+    const auto isInView = [page](const QWidget* part) {
+        const QRect box(part->mapTo(page, QPoint(0, 0)), part->size());
+        return page->rect().contains(box);
+    };
+    QPushButton* privacy = nullptr;
+    for (auto* button : settings->findChildren<QPushButton*>())
+        privacy = button->accessibleName() == QLatin1String("Privacy") ? button : privacy;
+    ASSERT_TRUE(privacy);
+    ASSERT_FALSE(isInView(privacy));
+    settings->setAttribute(Qt::WA_KeyboardFocusChange); // as a pressed key does
+    privacy->setFocus(Qt::BacktabFocusReason);
+    EXPECT_TRUE(isInView(privacy));
+    privacy->click();
+    layOut();
+    EXPECT_GT(privacy->parentWidget()->height(), privacy->height() + 20);
+    EXPECT_TRUE(isInView(privacy->parentWidget()));
 }
 
 TEST_F(AppWindowsTest, AClosedWindowIsGoneAndLeavesNothingRunning) {
