@@ -5,7 +5,7 @@
 #include "platform/PowerSources.h"
 #include "platform/PowerState.h"
 #include "platform/ProcessRunner.h"
-#include "support/Text.h"
+#include "support/UTF8.h"
 
 #include <utility>
 
@@ -80,7 +80,7 @@ void BatteryMonitor::refreshConditionIfNeeded() {
 void BatteryMonitor::readCondition() {
     processRunner_.run("/usr/sbin/system_profiler", {"SPPowerDataType"},
                        lifetime_.guard([this](const std::optional<std::string>& output) {
-                           condition_.set(output ? parseCondition(repairedUTF8(*output)) : std::nullopt);
+                           condition_.set(output ? parseCondition(utf8::repaired(*output)) : std::nullopt);
                        }));
 }
 

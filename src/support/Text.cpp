@@ -1,57 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "support/Text.h"
 
-#include <clocale>
+#include "support/UTF8.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <cwctype>
 #include <locale.h>
 #include <utility>
 
 namespace kivo {
 namespace {
-
-struct CodePoint {
-    char32_t value = 0;
-    std::size_t length = 0; // in bytes; 0: the bytes are no UTF-8
-};
-
-// The character at the front of `text`, which is not empty. Overlong forms and surrogates are invalid.
-CodePoint decodeFirst(std::string_view text) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(0);
-    if (lead < 0x80)
-        return {lead, 1};
-    const std::size_t length = lead >= 0xF0 && lead < 0xF5 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
-    if (length == 0 || lead >= 0xF5 || text.size() < length)
-        return {};
-    char32_t value = lead & (0x7Fu >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80)
-            return {};
-        value = value << 6 | (byte(i) & 0x3Fu);
-    }
-    const bool isOverlong = (length == 3 && value < 0x800) || (length == 4 && value < 0x10000);
-    const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
-    return isOverlong || isSurrogate || value > 0x10FFFF ? CodePoint{} : CodePoint{value, length};
-}
-
-void appendUTF8(std::string& text, char32_t c) {
-    const auto add = [&](char32_t bits) { text += static_cast<char>(bits); };
-    if (c < 0x80) {
-        add(c);
-    } else if (c < 0x800) {
-        add(0xC0 | c >> 6);
-        add(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        add(0xE0 | c >> 12);
-        add(0x80 | (c >> 6 & 0x3F));
-        add(0x80 | (c & 0x3F));
-    } else {
-        add(0xF0 | c >> 18);
-        add(0x80 | (c >> 12 & 0x3F));
-        add(0x80 | (c >> 6 & 0x3F));
-        add(0x80 | (c & 0x3F));
-    }
-}
 
 TextCatalogue& catalogue() {
     static TextCatalogue installed;
@@ -116,33 +76,27 @@ std::string lowercased(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
-        const CodePoint c = decodeFirst(text);
-        if (c.length == 0) {
-            result += text[0];
-            text.remove_prefix(1);
-            continue;
+        const std::size_t length = utf8::characterLength(text);
+        if (length > 1 && unicode) {
+            const auto code = static_cast<wint_t>(utf8::decoded(text.substr(0, length)));
+            utf8::append(result, static_cast<std::uint32_t>(towlower_l(code, unicode)));
+        } else if (length == 1 && text[0] >= 'A' && text[0] <= 'Z') {
+            result += static_cast<char>(text[0] + ('a' - 'A'));
+        } else {
+            result += text.substr(0, std::max(length, std::size_t{1}));
         }
-        if (c.value < 0x80 || !unicode)
-            appendUTF8(result, c.value >= 'A' && c.value <= 'Z' ? c.value + ('a' - 'A') : c.value);
-        else
-            appendUTF8(result, static_cast<char32_t>(towlower_l(static_cast<wint_t>(c.value), unicode)));
-        text.remove_prefix(c.length);
+        text.remove_prefix(std::max(length, std::size_t{1}));
     }
     return result;
 }
 
-std::string repairedUTF8(std::string_view bytes) {
-    std::string result;
-    result.reserve(bytes.size());
-    while (!bytes.empty()) {
-        const CodePoint c = decodeFirst(bytes);
-        if (c.length == 0)
-            appendUTF8(result, 0xFFFD);
-        else
-            result += bytes.substr(0, c.length);
-        bytes.remove_prefix(c.length == 0 ? 1 : c.length);
-    }
-    return result;
+std::string decimalText(double value, int decimals) {
+    // The largest double has 309 digits before its point.
+    std::array<char, 512> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed,
+                                   std::clamp(decimals, 0, 100))
+                         .ptr;
+    return {text.data(), end};
 }
 
 } // namespace kivo

@@ -31,7 +31,8 @@ std::string formatted(std::string_view pattern, std::initializer_list<TextArgume
 // Lower case by Unicode's simple mapping; bytes that are no UTF-8 stay as they are.
 std::string lowercased(std::string_view text);
 
-// UTF-8 with each invalid sequence replaced by U+FFFD.
-std::string repairedUTF8(std::string_view bytes);
+// A number with so many digits (0 to 100) after its point, whatever the process's locale: 1.25 with one is
+// "1.2", since it rounds half to even. A number that is none is "nan" or "inf".
+std::string decimalText(double value, int decimals);
 
 } // namespace kivo

@@ -79,6 +79,15 @@ std::string repaired(std::string_view text) {
     return result;
 }
 
+std::uint32_t decoded(std::string_view character) {
+    const auto first = static_cast<unsigned char>(character[0]);
+    // The first of n > 1 bytes starts with n ones and a zero.
+    std::uint32_t code = character.size() == 1 ? first : first & (0x7Fu >> character.size());
+    for (const char next : character.substr(1))
+        code = code << 6 | (static_cast<unsigned char>(next) & 0x3Fu);
+    return code;
+}
+
 void append(std::string& text, std::uint32_t code) {
     const auto continuation = [](std::uint32_t bits) { return static_cast<char>(0x80 | (bits & 0x3F)); };
     if (code < 0x80) {

@@ -19,6 +19,9 @@ std::size_t validPrefix(std::string_view text);
 // one for any other stray byte.
 std::string repaired(std::string_view text);
 
+// The character that `character`, as long as `characterLength` says and well-formed, stands for.
+std::uint32_t decoded(std::string_view character);
+
 // Appends a character. `code` is no surrogate and at most U+10FFFF.
 void append(std::string& text, std::uint32_t code);
 

@@ -3,34 +3,37 @@
 
 #include "support/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 
 namespace kivo {
 namespace {
 
 constexpr std::size_t mostRows = 20;
 
-// A fraction counts as half from the half on, whatever its sign.
+// A half is rounded away from zero. Past what a double counts one by one, amounts mean nothing.
 std::int64_t rounded(double value) {
-    return static_cast<std::int64_t>(std::round(value));
+    constexpr double most = 9'007'199'254'740'992;
+    return static_cast<std::int64_t>(std::clamp(std::round(value), -most, most));
 }
 
 // Exact halves go to the even digit, as number formats have it.
 std::string oneDecimal(double value) {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%.1f", value);
-    return text.data();
+    return decimalText(value, 1);
 }
 
 // "Jan 5 at 9 AM" by the clocks of the place.
 std::string dayAndHour(Date date, const TimeZone& calendar) {
     using namespace std::chrono;
+    // Hours come from a file; a calendar ends far sooner than doubles do.
+    constexpr double farthest = 1e11;
     constexpr std::array months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                 "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    const auto local = static_cast<std::int64_t>(std::floor(date.unixSeconds())) + calendar.offset(date);
+    const auto local =
+        static_cast<std::int64_t>(std::floor(std::clamp(date.unixSeconds(), -farthest, farthest))) +
+        calendar.offset(date);
     const sys_days day = floor<days>(sys_seconds(std::chrono::seconds(local)));
     const year_month_day civil(day);
     const auto hour = (local - std::chrono::seconds(day.time_since_epoch()).count()) / 3600;
@@ -62,7 +65,8 @@ std::string energyText(double joules) {
 }
 
 std::string shareText(double share) {
-    if (share < 0.01)
+    // Not the other way round: a share of nothing at all is no number.
+    if (!(share >= 0.01))
         return localized("<1%");
     return localized("%lld%", {rounded(share * 100)});
 }

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
 namespace kivo {
 namespace {
@@ -86,9 +85,7 @@ HealthTile cyclesTile(const BatteryHealth& health) {
 }
 
 std::string wattsText(double power) {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), power < 10 ? "%.1f" : "%.0f", power);
-    return text.data();
+    return decimalText(power, power < 10 ? 1 : 0);
 }
 
 HealthTile wattsTile(const BatteryHealth& health) {

@@ -27,12 +27,13 @@ TEST(UTF8, Repaired) {
         EXPECT_EQ(utf8::repaired(row.bytes), row.text) << row.label;
 }
 
-TEST(UTF8, AppendWritesWhatIsWellFormed) {
+TEST(UTF8, AppendWritesWhatIsWellFormedAndIsReadAgain) {
     for (const std::uint32_t code :
          {0x0u, 0x7Fu, 0x80u, 0x7FFu, 0x800u, 0xD7FFu, 0xE000u, 0xFFFFu, 0x10000u, 0x10FFFFu}) {
         std::string text;
         utf8::append(text, code);
         EXPECT_EQ(utf8::characterLength(text), text.size()) << code;
+        EXPECT_EQ(utf8::decoded(text), code);
     }
 }
 

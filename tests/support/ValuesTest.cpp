@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 
 using namespace kivo;
 
@@ -73,22 +74,22 @@ TEST(Text, aCatalogueTranslatesWhatItKnows) {
     EXPECT_EQ(localized("%lld% left", {5}), "5% left");
 }
 
-TEST(Text, lowersBeyondASCIIAndRepairsBytes) {
+TEST(Text, lowersBeyondASCIIAndLeavesWhatIsNoText) {
     EXPECT_EQ(lowercased("BATERÍA Baja Ñ"), "batería baja ñ");
     EXPECT_EQ(lowercased("A\xff\xc3"), "a\xff\xc3");
+}
+
+TEST(Text, decimalsAreWrittenTheSameInEveryLocale) {
     struct Row {
-        const char* bytes;
-        const char* result;
+        double value;
+        int decimals;
+        const char* text;
     };
     const std::array rows{
-        Row{"é€😀", "é€😀"},
-        Row{"a\xff"
-            "b",
-            "a\xef\xbf\xbd"
-            "b"},
-        Row{"\xe2\x82", "\xef\xbf\xbd\xef\xbf\xbd"},
-        Row{"\xc0\xaf", "\xef\xbf\xbd\xef\xbf\xbd"},
+        Row{12.34, 1, "12.3"}, Row{0.25, 1, "0.2"},       Row{-9.96, 1, "-10.0"},
+        Row{99.5, 0, "100"},   Row{1234.5, 2, "1234.50"}, Row{std::nan(""), 1, "nan"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(repairedUTF8(row.bytes), row.result) << row.bytes;
+        EXPECT_EQ(decimalText(row.value, row.decimals), row.text);
+    EXPECT_EQ(decimalText(-1e308, 1).size(), 1u + 309 + 2);
 }

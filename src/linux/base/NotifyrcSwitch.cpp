@@ -3,7 +3,7 @@
 
 #include "linux/base/NotifyrcText.h"
 #include "linux/base/WholeFile.h"
-#include "support/Text.h"
+#include "support/UTF8.h"
 
 #include <cerrno>
 #include <cstring>
@@ -78,7 +78,7 @@ std::optional<PropertyValue> NotifyrcSwitch::read() {
     if (own.state == FileText::State::missing)
         return PropertyValue(nullptr);
     // What is no UTF-8 could not be remembered as it is.
-    if (notifyrc::isImmutable(own.text, actions) || repairedUTF8(own.text) != own.text)
+    if (notifyrc::isImmutable(own.text, actions) || utf8::validPrefix(own.text) != own.text.size())
         return std::nullopt;
     return PropertyValue(own.text);
 }

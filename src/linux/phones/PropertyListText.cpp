@@ -4,6 +4,7 @@
 #include "support/UTF8.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <optional>
@@ -232,6 +233,12 @@ void appendEscaped(std::string& out, std::string_view text) {
     }
 }
 
+// The shortest text that reads as the same number, in every locale.
+std::string shortest(double value) {
+    std::array<char, 32> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
+}
+
 bool isWritable(const PropertyValue& value) {
     return !value.isNull() && !value.data();
 }
@@ -244,7 +251,7 @@ void append(std::string& out, const PropertyValue& value) {
     } else if (const auto large = value.unsignedInteger()) {
         out += "<integer>" + std::to_string(*large) + "</integer>";
     } else if (const auto real = value.number()) {
-        out += "<real>" + std::to_string(*real) + "</real>";
+        out += "<real>" + shortest(*real) + "</real>";
     } else if (const auto* text = value.string()) {
         out += "<string>";
         appendEscaped(out, *text);
