@@ -13,6 +13,7 @@
 #include "linux/PortalLoginService.h"
 #include "linux/PowerProfiles.h"
 #include "linux/QtLoop.h"
+#include "linux/QtMessages.h"
 #include "linux/QtPhoneWatcher.h"
 #include "linux/QtScreens.h"
 #include "linux/base/AbsentDesktop.h"
@@ -53,6 +54,7 @@ struct LinuxMachine::Services {
         : updates(loop, processRunner, standardDefaults, log, updateSource(packaging)) {}
 
     JournalLog log;
+    QtMessages qtMessages{log};
     // Its readings run in the loop's background, and end with it.
     LinuxMobileDevices mobileDevices{log, LinuxMobileDevices::usualOptions()};
     QtLoop loop;
