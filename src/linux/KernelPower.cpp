@@ -52,12 +52,9 @@ struct KernelPower::Monitor {
     std::unique_ptr<QSocketNotifier> notifier;
 };
 
-KernelPower::KernelPower(MainLoop& loop, std::string folder)
-    : loop_(loop), folder_(std::move(folder)), self_(std::make_shared<KernelPower*>(this)) {}
+KernelPower::KernelPower(MainLoop& loop, std::string folder) : loop_(loop), folder_(std::move(folder)) {}
 
-KernelPower::~KernelPower() {
-    *self_ = nullptr;
-}
+KernelPower::~KernelPower() = default;
 
 void KernelPower::read() {
     if (isReading_) {
@@ -65,15 +62,15 @@ void KernelPower::read() {
         return;
     }
     isReading_ = true;
-    loop_.background([folder = folder_, self = self_]() -> MainLoop::Continuation {
+    auto take = lifetime_.guard(
+        [this](bool isEmpty, const Supplies& supplies, const std::vector<Dictionary>& inputDevices) {
+            isEmpty_ = isEmpty;
+            finished(supplies, inputDevices);
+        });
+    loop_.background([folder = folder_, take = std::move(take)]() -> MainLoop::Continuation {
         const auto all = readKernelSupplies(folder);
-        return [self, isEmpty = all.empty(), supplies = suppliesFromKernel(all),
-                inputDevices = inputDeviceProperties(all)] {
-            if (!*self)
-                return;
-            (*self)->isEmpty_ = isEmpty;
-            (*self)->finished(supplies, inputDevices);
-        };
+        return [take, isEmpty = all.empty(), supplies = suppliesFromKernel(all),
+                inputDevices = inputDeviceProperties(all)] { take(isEmpty, supplies, inputDevices); };
     });
 }
 
@@ -99,7 +96,7 @@ void KernelPower::follow(bool isFollowed) {
 
 void KernelPower::poll() {
     // What is not there is announced when it comes.
-    if (!isEmpty_ || !monitor_->monitor)
+    if (!isEmpty_ || !monitor_->notifier)
         read();
     poll_ = loop_.after(
         pollDelay, [this] { poll(); }, MainLoop::Precision::coarse);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "linux/base/Supplies.h"
+#include "support/Lifetime.h"
 #include "support/MainLoop.h"
 #include "support/Observable.h"
 
@@ -50,7 +51,7 @@ private:
     std::unique_ptr<Monitor> monitor_;
     Subscription poll_;
     Subscription settling_;
-    std::shared_ptr<KernelPower*> self_; // null once this is gone
+    Lifetime lifetime_;
 };
 
 } // namespace kivo

@@ -18,8 +18,8 @@ public:
         std::int32_t pid = 0;
         std::uint64_t energyNanojoules = 0; // since the process started
     };
-    // The first `capacity` pids in the order in which the kernel lists them, unreadable ones left out of the
-    // readings; `listed` is the listing's own result, below 1 when it failed.
+    // Lists the processes and replaces `readings` by those of the first `capacity` pids in the kernel's order,
+    // unreadable ones left out. Gives how many there are, below 1 when the listing failed.
     virtual std::int64_t listAndRead(std::size_t capacity, std::vector<Usage>& readings) = 0;
 
     // Finds the system's call for responsible processes. False when this system has none; asked once.

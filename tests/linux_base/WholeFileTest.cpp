@@ -77,6 +77,10 @@ TEST(WholeFile, WhatCannotBeReadOrWrittenSaysWhy) {
     EXPECT_EQ(readWholeFile(folder / "missing").state, FileText::State::missing);
     EXPECT_EQ(readWholeFile(folder / "file/inside").state, FileText::State::missing);
     EXPECT_EQ(readWholeFile(folder / "x.json").state, FileText::State::unreadable);
+    // Sparse: it takes no room.
+    put(folder / "endless", "");
+    std::filesystem::resize_file(folder / "endless", largestWholeFile + 1);
+    EXPECT_EQ(readWholeFile(folder / "endless").error, (folder / "endless") + ": too large");
     EXPECT_EQ(readWholeFile(folder / "pipe").error, (folder / "pipe") + ": not a file");
     EXPECT_EQ(replaceWholeFile(folder / "x.json", "text"), (folder / "x.json") + ": Is a directory");
     EXPECT_EQ(replaceWholeFile(folder / "file/inside", "text"), (folder / "file") + ": Not a directory");

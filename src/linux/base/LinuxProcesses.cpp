@@ -50,6 +50,7 @@ LinuxProcesses::~LinuxProcesses() {
 
 std::int64_t LinuxProcesses::listAndRead(std::size_t capacity, std::vector<Usage>& readings) {
     const std::lock_guard lock(mutex_);
+    readings.clear();
     if (!list(capacity))
         return -1;
     const double rate = joulesPerCpuSecond();

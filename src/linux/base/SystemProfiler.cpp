@@ -4,7 +4,8 @@
 namespace kivo {
 namespace {
 
-constexpr std::int64_t leastPercent = 80;
+// Of the design capacity; with less the battery wants service.
+constexpr double leastShare = 0.8;
 
 std::optional<std::int64_t> integer(const Dictionary& properties, std::string_view key) {
     const auto* value = find(properties, key);
@@ -20,7 +21,7 @@ std::optional<std::string> powerReport(const std::optional<Dictionary>& smartBat
     const auto design = integer(*smartBattery, "DesignCapacity");
     if (!full || !design || *design < 1)
         return std::nullopt;
-    const bool isWorn = *full * 100 / *design < leastPercent;
+    const bool isWorn = static_cast<double>(*full) / static_cast<double>(*design) < leastShare;
     return std::string(
                "Power:\n    Battery Information:\n        Health Information:\n            Condition: ") +
            (isWorn ? "Service" : "Normal") + "\n";

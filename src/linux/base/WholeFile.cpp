@@ -128,7 +128,7 @@ FileText readWholeFile(const std::string& path) {
         return {FileText::State::unreadable, {}, path + ": not a file"};
     FileText result{FileText::State::read, {}, {}};
     char buffer[16384];
-    while (true) {
+    while (result.text.size() <= largestWholeFile) {
         const ssize_t count = ::read(file.get(), buffer, sizeof buffer);
         if (count == 0)
             return result;
@@ -137,6 +137,7 @@ FileText readWholeFile(const std::string& path) {
         else if (errno != EINTR)
             return {FileText::State::unreadable, {}, failure(path)};
     }
+    return {FileText::State::unreadable, {}, path + ": too large"};
 }
 
 std::optional<std::string> replaceWholeFile(const std::string& path, std::string_view text) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,8 @@ struct FileText {
     std::string text;  // when read
     std::string error; // when unreadable
 };
+// In bytes; what is larger counts as unreadable. Kivo's own files have a hundredth of it at most.
+constexpr std::size_t largestWholeFile = std::size_t{64} << 20;
 FileText readWholeFile(const std::string& path);
 
 // Nothing on success; the text is then on the disk.
