@@ -94,10 +94,14 @@ void AppCoordinator::updateDismisser() {
     dismisser_.update(settings_.value().dismissesSystemAlerts, monitor_.snapshot().get());
 }
 
+void AppCoordinator::refreshPermissions() {
+    notifier_.refreshAuthorization();
+    loginItem_.refresh();
+    updateDismisser();
+}
+
 void AppCoordinator::setDismissesSystemAlerts(bool isEnabled) {
-    AlertSettings settings = settings_.value();
-    settings.dismissesSystemAlerts = isEnabled;
-    settings_.setValue(std::move(settings));
+    settings_.change([isEnabled](AlertSettings& settings) { settings.dismissesSystemAlerts = isEnabled; });
     if (isEnabled && !dismisser_.isTrusted().get())
         dismisser_.requestTrust();
     updateDismisser();

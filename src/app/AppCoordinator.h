@@ -38,6 +38,9 @@ public:
     // Shows what the rule's alert looks like now, on a sample where its subject is not there. An island shows
     // whatever the settings say; the sound and the notification follow the settings and the rule.
     void test(const AlertRule& rule);
+    // Reads anew what the user may have granted or taken back elsewhere: notifications, opening at login,
+    // closing the system's pop-ups.
+    void refreshPermissions();
     // Turns closing the system's own low-battery pop-up on or off; asks for the permission it needs.
     void setDismissesSystemAlerts(bool isEnabled);
 

@@ -5,6 +5,8 @@
 #include "support/Log.h"
 #include "support/Observable.h"
 
+#include <utility>
+
 namespace kivo {
 
 class UserDefaults;
@@ -19,6 +21,13 @@ public:
     const AlertSettings& value() const { return value_.get(); }
     // Replaces and stores the settings; observers hear only of a different value, the store is written anyway.
     void setValue(AlertSettings value);
+    // The same for the settings as `edit`, called with a reference to them, leaves them.
+    template <typename Edit>
+    void change(Edit&& edit) {
+        AlertSettings settings = value();
+        std::forward<Edit>(edit)(settings);
+        setValue(std::move(settings));
+    }
     Subscription onChange(std::function<void()> listener) { return value_.onChange(std::move(listener)); }
 
 private:

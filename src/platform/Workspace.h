@@ -7,6 +7,10 @@
 
 namespace kivo {
 
+// The address of the system's settings of the battery.
+inline constexpr std::string_view batterySettingsPage =
+    "x-apple.systempreferences:com.apple.Battery-Settings.extension";
+
 // The desktop around the application.
 class Workspace {
 public:

@@ -156,9 +156,7 @@ const AlertRule* AlertsPane::rule(std::size_t index) const {
 }
 
 void AlertsPane::change(const std::function<void(std::vector<AlertRule>&)>& change) {
-    AlertSettings settings = coordinator_.settings().value();
-    change(settings.rules);
-    coordinator_.settings().setValue(std::move(settings));
+    coordinator_.settings().change([&](AlertSettings& settings) { change(settings.rules); });
 }
 
 } // namespace kivo

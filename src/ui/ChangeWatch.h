@@ -15,6 +15,8 @@ namespace kivo {
 class ChangeWatch {
 public:
     explicit ChangeWatch(MainLoop& loop) : loop_(loop) {}
+    ChangeWatch(const ChangeWatch&) = delete;
+    ChangeWatch& operator=(const ChangeWatch&) = delete;
 
     // Anything with `onChange(listener)` that gives a subscription.
     template <typename Source>
@@ -26,8 +28,9 @@ public:
             return;
         loop_.post(lifetime_.guard([this] {
             isDue_ = false;
-            if (onChange)
-                onChange();
+            // A copy: whoever hears of it may end the watch.
+            if (const auto tell = onChange)
+                tell();
         }));
     }
 

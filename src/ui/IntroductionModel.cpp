@@ -16,10 +16,7 @@ IntroductionModel::IntroductionModel(MainLoop& loop, AppCoordinator& coordinator
 }
 
 void IntroductionModel::refresh() {
-    coordinator_.notifier().refreshAuthorization();
-    coordinator_.loginItem().refresh();
-    coordinator_.dismisser().update(coordinator_.settings().value().dismissesSystemAlerts,
-                                    coordinator_.monitor().snapshot().get());
+    coordinator_.refreshPermissions();
 }
 
 } // namespace kivo

@@ -31,7 +31,7 @@ void MenuModel::open() {
 }
 
 void MenuModel::close() {
-    changes_.clear();
+    watch_.reset();
     ageing_.cancel();
     isOpen_.set(false);
 }
@@ -56,15 +56,13 @@ bool MenuModel::reducesMotion() const {
 }
 
 void MenuModel::perform(FooterControl::Action action) {
-    AlertSettings settings = coordinator_.settings().value();
+    SettingsStore& store = coordinator_.settings();
     switch (action) {
     case FooterControl::Action::showsOverlay:
-        settings.showsOverlay = !settings.showsOverlay;
-        coordinator_.settings().setValue(std::move(settings));
+        store.change([](AlertSettings& settings) { settings.showsOverlay = !settings.showsOverlay; });
         break;
     case FooterControl::Action::playsSound:
-        settings.playsSound = !settings.playsSound;
-        coordinator_.settings().setValue(std::move(settings));
+        store.change([](AlertSettings& settings) { settings.playsSound = !settings.playsSound; });
         break;
     case FooterControl::Action::settings:
         close();
@@ -79,7 +77,7 @@ void MenuModel::perform(FooterControl::Action action) {
 
 void MenuModel::openBatterySettings() {
     close();
-    workspace_.open("x-apple.systempreferences:com.apple.Battery-Settings.extension");
+    workspace_.open(batterySettingsPage);
 }
 
 void MenuModel::forget(std::string_view deviceID) {
@@ -94,25 +92,14 @@ void MenuModel::forget(std::string_view deviceID) {
 }
 
 void MenuModel::follow() {
-    const auto changed = [this] { updateSoon(); };
-    BatteryMonitor& battery = coordinator_.monitor();
-    DeviceMonitor& devices = coordinator_.devices();
-    changes_.push_back(battery.snapshot().onChange(changed));
-    changes_.push_back(battery.health().onChange(changed));
-    changes_.push_back(battery.condition().onChange(changed));
-    changes_.push_back(devices.devices().onChange(changed));
-    changes_.push_back(devices.hasLoaded().onChange(changed));
-    changes_.push_back(coordinator_.settings().onChange(changed));
-}
-
-void MenuModel::updateSoon() {
-    if (std::exchange(isUpdateDue_, true))
-        return;
-    loop_.post(lifetime_.guard([this] {
-        isUpdateDue_ = false;
-        if (isOpen_.get())
-            update();
-    }));
+    watch_.emplace(loop_);
+    watch_->onChange = [this] { update(); };
+    watch_->follow(coordinator_.monitor().snapshot());
+    watch_->follow(coordinator_.monitor().health());
+    watch_->follow(coordinator_.monitor().condition());
+    watch_->follow(coordinator_.devices().devices());
+    watch_->follow(coordinator_.devices().hasLoaded());
+    watch_->follow(coordinator_.settings());
 }
 
 void MenuModel::update() {

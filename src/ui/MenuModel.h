@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/Lifetime.h"
 #include "support/MainLoop.h"
 #include "support/Observable.h"
+#include "ui/ChangeWatch.h"
 #include "ui/MenuContent.h"
 
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kivo {
 
@@ -49,7 +48,6 @@ public:
 
 private:
     void follow();
-    void updateSoon();
     void update();
 
     MainLoop& loop_;
@@ -59,10 +57,8 @@ private:
     Observable<bool> isOpen_;
     Observable<MenuContent> content_;
     std::optional<Duration> lostFocusAt_;
-    bool isUpdateDue_ = false;
-    std::vector<Subscription> changes_;
+    std::optional<ChangeWatch> watch_; // while it is open
     Subscription ageing_;
-    Lifetime lifetime_;
 };
 
 } // namespace kivo

@@ -111,12 +111,12 @@ void Onboarding::setSwitch(std::string_view title, bool isOn) {
                                  [&](const RuleSwitch& each) { return each.title == title; });
     if (it == ruleSwitches.end())
         return;
-    AlertSettings settings = coordinator_.settings().value();
-    for (auto& rule : settings.rules) {
-        if (it->covers(rule.trigger))
-            rule.isEnabled = isOn;
-    }
-    coordinator_.settings().setValue(std::move(settings));
+    coordinator_.settings().change([&](AlertSettings& settings) {
+        for (auto& rule : settings.rules) {
+            if (it->covers(rule.trigger))
+                rule.isEnabled = isOn;
+        }
+    });
 }
 
 void Onboarding::grant(std::string_view title) {
@@ -138,9 +138,7 @@ void Onboarding::grant(std::string_view title) {
 }
 
 void Onboarding::setStyle(MenuBarStyle style) {
-    AlertSettings settings = coordinator_.settings().value();
-    settings.menuBarStyle = style;
-    coordinator_.settings().setValue(std::move(settings));
+    coordinator_.settings().change([style](AlertSettings& settings) { settings.menuBarStyle = style; });
 }
 
 void Onboarding::setThreshold(std::int64_t threshold) {

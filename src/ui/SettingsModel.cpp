@@ -42,10 +42,7 @@ SettingsModel::SettingsModel(MainLoop& loop, AppCoordinator& coordinator, UserDe
 }
 
 void SettingsModel::refresh() {
-    coordinator_.notifier().refreshAuthorization();
-    coordinator_.loginItem().refresh();
-    coordinator_.dismisser().update(coordinator_.settings().value().dismissesSystemAlerts,
-                                    coordinator_.monitor().snapshot().get());
+    coordinator_.refreshPermissions();
 }
 
 SettingsTab SettingsModel::tab() const {
@@ -80,23 +77,16 @@ GeneralPaneContent SettingsModel::general() const {
     return generalPaneContent(coordinator_);
 }
 
-template <typename Change>
-void SettingsModel::change(Change change) {
-    AlertSettings settings = coordinator_.settings().value();
-    change(settings);
-    coordinator_.settings().setValue(std::move(settings));
-}
-
 void SettingsModel::setMenuBarStyle(MenuBarStyle style) {
-    change([style](AlertSettings& settings) { settings.menuBarStyle = style; });
+    coordinator_.settings().change([style](AlertSettings& settings) { settings.menuBarStyle = style; });
 }
 
 void SettingsModel::setShowsOverlay(bool isOn) {
-    change([isOn](AlertSettings& settings) { settings.showsOverlay = isOn; });
+    coordinator_.settings().change([isOn](AlertSettings& settings) { settings.showsOverlay = isOn; });
 }
 
 void SettingsModel::setPlaysSound(bool isOn) {
-    change([isOn](AlertSettings& settings) { settings.playsSound = isOn; });
+    coordinator_.settings().change([isOn](AlertSettings& settings) { settings.playsSound = isOn; });
 }
 
 void SettingsModel::setDismissesSystemAlerts(bool isOn) {
@@ -130,7 +120,7 @@ void SettingsModel::requestAccessibility() {
 }
 
 void SettingsModel::openBatterySettings() {
-    workspace_.open("x-apple.systempreferences:com.apple.Battery-Settings.extension");
+    workspace_.open(batterySettingsPage);
 }
 
 void SettingsModel::showIntroduction() {

@@ -59,9 +59,6 @@ public:
     void setOnChange(std::function<void()> listener) { watch_.onChange = std::move(listener); }
 
 private:
-    template <typename Change>
-    void change(Change change);
-
     AppCoordinator& coordinator_;
     UserDefaults& defaults_;
     Workspace& workspace_;

@@ -50,11 +50,7 @@ public:
         machine.virtualLoop().runPosted();
     }
     void pass(double duration) { machine.virtualLoop().advance(seconds(duration)); }
-    void change(const std::function<void(AlertSettings&)>& edit) {
-        AlertSettings settings = coordinator().settings().value();
-        edit(settings);
-        coordinator().settings().setValue(std::move(settings));
-    }
+    void change(const std::function<void(AlertSettings&)>& edit) { coordinator().settings().change(edit); }
     AppCoordinator& coordinator() { return delegate->coordinator(); }
 
     // What was heard since the last call: events of these names, or of names that begin with one of them and a

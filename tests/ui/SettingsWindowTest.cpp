@@ -20,9 +20,7 @@ namespace {
 
 struct SettingsWindowTest : testing::Test {
     void write(std::vector<AlertRule> rules) {
-        AlertSettings settings = coordinator.settings().value();
-        settings.rules = std::move(rules);
-        coordinator.settings().setValue(settings);
+        coordinator.settings().change([&](AlertSettings& settings) { settings.rules = std::move(rules); });
     }
     const std::vector<AlertRule>& rules() { return coordinator.settings().value().rules; }
     // How often an event of this name happened.

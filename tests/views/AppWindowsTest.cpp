@@ -115,9 +115,7 @@ TEST_F(AppWindowsTest, AClosedWindowIsGoneAndLeavesNothingRunning) {
     machine.virtualLoop().runPosted();
     EXPECT_TRUE(settings.isNull());
     // Changes reach nobody any more.
-    AlertSettings changed = delegate.coordinator().settings().value();
-    changed.rules.clear();
-    delegate.coordinator().settings().setValue(changed);
+    delegate.coordinator().settings().change([](AlertSettings& settings) { settings.rules.clear(); });
     machine.virtualLoop().advance(seconds(3));
 }
 
