@@ -11,8 +11,7 @@ namespace {
 std::optional<std::int64_t> registryInteger(const Dictionary& properties, std::string_view key) {
     const auto* value = find(properties, key);
     if (!value) {
-        const auto* nested = find(properties, "BatteryData");
-        if (const auto* data = nested ? nested->dictionary() : nullptr)
+        if (const auto* data = dictionaryAt(properties, "BatteryData"))
             value = find(*data, key);
     }
     return value ? value->wrappedInteger() : std::nullopt;

@@ -10,23 +10,13 @@ namespace kivo {
 namespace {
 
 bool isString(const Dictionary& dictionary, std::string_view key, std::string_view expected) {
-    const auto* value = find(dictionary, key);
-    return value && value->string() && *value->string() == expected;
-}
-
-std::optional<std::int64_t> integer(const Dictionary& dictionary, std::string_view key) {
-    const auto* value = find(dictionary, key);
-    return value ? value->integer() : std::nullopt;
-}
-
-bool boolean(const Dictionary& dictionary, std::string_view key) {
-    const auto* value = find(dictionary, key);
-    return value && value->boolean().value_or(false);
+    const auto* text = stringAt(dictionary, key);
+    return text && *text == expected;
 }
 
 // The platform writes 0 and negative values while it is still estimating.
 std::optional<std::int64_t> positiveMinutes(const Dictionary& dictionary, std::string_view key) {
-    const auto minutes = integer(dictionary, key);
+    const auto minutes = integerAt(dictionary, key);
     return minutes && *minutes > 0 ? minutes : std::nullopt;
 }
 
@@ -39,8 +29,8 @@ const char* name(BatterySnapshot::PowerSource source) {
 std::optional<BatterySnapshot> parseSnapshot(const Dictionary& description) {
     if (!isString(description, "Type", "InternalBattery"))
         return std::nullopt;
-    const auto current = integer(description, "Current Capacity");
-    const auto maximum = integer(description, "Max Capacity");
+    const auto current = integerAt(description, "Current Capacity");
+    const auto maximum = integerAt(description, "Max Capacity");
     if (!current || !maximum || *maximum < 1)
         return std::nullopt;
     const double percent = static_cast<double>(*current) / static_cast<double>(*maximum) * 100;
@@ -49,8 +39,8 @@ std::optional<BatterySnapshot> parseSnapshot(const Dictionary& description) {
         .source = isString(description, "Power Source State", "AC Power")
                       ? BatterySnapshot::PowerSource::ac
                       : BatterySnapshot::PowerSource::battery,
-        .isCharging = boolean(description, "Is Charging"),
-        .isCharged = boolean(description, "Is Charged"),
+        .isCharging = booleanAt(description, "Is Charging").value_or(false),
+        .isCharged = booleanAt(description, "Is Charged").value_or(false),
         .minutesToEmpty = positiveMinutes(description, "Time to Empty"),
         .minutesToFull = positiveMinutes(description, "Time to Full Charge"),
         .isLowPowerMode = false,

@@ -17,24 +17,9 @@ using Part = PowerDevice::Part;
 
 constexpr std::string_view caseSuffix = " Case";
 
-const std::string* stringAt(const Dictionary& dictionary, std::string_view key) {
-    const auto* value = find(dictionary, key);
-    return value ? value->string() : nullptr;
-}
-
-std::optional<std::int64_t> integerAt(const Dictionary& dictionary, std::string_view key) {
-    const auto* value = find(dictionary, key);
-    return value ? value->integer() : std::nullopt;
-}
-
-bool flagAt(const Dictionary& dictionary, std::string_view key, bool otherwise) {
-    const auto* value = find(dictionary, key);
-    return value ? value->boolean().value_or(otherwise) : otherwise;
-}
-
 bool isAccessory(const Dictionary& description) {
     const auto* type = stringAt(description, "Type");
-    return type && *type == "Accessory Source" && flagAt(description, "Is Present", true);
+    return type && *type == "Accessory Source" && booleanAt(description, "Is Present").value_or(true);
 }
 
 // What the sources of one product share. A source without any of the three has no name either, so it could
@@ -70,7 +55,7 @@ std::optional<Part> partFrom(const Dictionary& description) {
     const auto level = percentage(description);
     if (!identifier || !level)
         return std::nullopt;
-    const bool isCharging = flagAt(description, "Is Charging", false);
+    const bool isCharging = booleanAt(description, "Is Charging").value_or(false);
     if (*identifier == "Left")
         return Part{Part::Kind::left, *level, isCharging};
     if (*identifier == "Right")
@@ -82,8 +67,7 @@ std::optional<Part> partFrom(const Dictionary& description) {
 
 // The parts listed under "Combined Parts"; a list with anything but dictionaries in it is no such list.
 std::vector<Part> combinedParts(const Dictionary& description) {
-    const auto* value = find(description, "Combined Parts");
-    const auto* elements = value ? value->array() : nullptr;
+    const auto* elements = arrayAt(description, "Combined Parts");
     std::vector<Part> parts;
     if (!elements)
         return parts;
@@ -122,7 +106,7 @@ std::optional<PowerDevice> deviceFrom(const std::string& key, const std::vector<
     const auto* hint = stringAt(main, "Accessory Category");
     device.category = classify(*name, hint ? std::optional(*hint) : std::nullopt);
     device.level = *level;
-    device.isCharging = flagAt(main, "Is Charging", false);
+    device.isCharging = booleanAt(main, "Is Charging").value_or(false);
     device.parts = combinedParts(main);
     if (!isOnlyCase && caseSource != group.end()) {
         if (const auto part = partFrom(**caseSource))

@@ -17,11 +17,6 @@ constexpr const char* capacityKey = "BatteryCurrentCapacity";
 
 enum class Message : std::uint32_t { connected = 1, disconnected = 2 };
 
-const Dictionary* dictionaryAt(const Dictionary& dictionary, std::string_view key) {
-    const auto* value = find(dictionary, key);
-    return value ? value->dictionary() : nullptr;
-}
-
 } // namespace
 
 MobileDevice::MobileDevice(MobileDeviceLibrary& library, LogSink& log)
@@ -35,7 +30,7 @@ bool MobileDevice::load() {
         logger_.error("MobileDevice.framework unavailable");
         return false;
     }
-    for (const auto name : entryPoints) {
+    for (const auto name : MobileDeviceLibrary::entryPoints) {
         if (!library_->hasSymbol(name)) {
             logger_.error("MobileDevice.framework is missing expected symbols");
             return false;
@@ -91,8 +86,7 @@ bool MobileDevice::isTrusted(MobileDeviceReference device) {
 std::optional<PowerDevice> MobileDevice::readInSession(const DeviceHandle& handle) {
     const auto battery = library_->copyValue(handle.raw, batteryDomain, std::nullopt);
     const auto* values = battery ? battery->dictionary() : nullptr;
-    const auto* capacity = values ? find(*values, capacityKey) : nullptr;
-    const auto level = capacity ? capacity->integer() : std::nullopt;
+    const auto level = values ? integerAt(*values, capacityKey) : std::nullopt;
     if (!level)
         return std::nullopt;
 
@@ -103,8 +97,7 @@ std::optional<PowerDevice> MobileDevice::readInSession(const DeviceHandle& handl
     device.category = deviceClass.find("ipad") != std::string::npos ? PowerDevice::Category::ipad
                                                                     : PowerDevice::Category::iphone;
     device.level = *level;
-    const auto* isCharging = find(*values, "BatteryIsCharging");
-    device.isCharging = isCharging && isCharging->boolean().value_or(false);
+    device.isCharging = booleanAt(*values, "BatteryIsCharging").value_or(false);
     device.connection = handle.isWiFi ? "Wi\u2011Fi" : "USB";
     if (const auto registry = queryBatteryRegistry(handle.raw)) {
         const auto health = parseHealth(*registry);

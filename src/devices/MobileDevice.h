@@ -5,11 +5,9 @@
 #include "platform/MobileDeviceLibrary.h"
 #include "support/Log.h"
 
-#include <array>
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace kivo {
 
@@ -27,24 +25,6 @@ struct DeviceHandle {
 // A copy shares nothing but the library, so that a reading off the main thread works on a copy of its own.
 class MobileDevice {
 public:
-    // In the order in which they are looked up.
-    static constexpr std::array<std::string_view, 14> entryPoints = {
-        "AMDeviceNotificationSubscribe",
-        "AMDeviceConnect",
-        "AMDeviceDisconnect",
-        "AMDeviceIsPaired",
-        "AMDeviceValidatePairing",
-        "AMDeviceStartSession",
-        "AMDeviceStopSession",
-        "AMDeviceCopyValue",
-        "AMDeviceCopyDeviceIdentifier",
-        "AMDeviceGetInterfaceType",
-        "AMDeviceSecureStartService",
-        "AMDServiceConnectionSendMessage",
-        "AMDServiceConnectionReceiveMessage",
-        "AMDServiceConnectionInvalidate",
-    };
-
     // What the library reports, on the main thread. A connected handle comes with one retain, which the
     // receiver owns; a disconnected one comes with none.
     struct Receiver {

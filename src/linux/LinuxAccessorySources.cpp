@@ -62,8 +62,7 @@ std::optional<std::vector<PowerSourceDescription>> LinuxAccessorySources::copyAc
 UPowerDevices LinuxAccessorySources::ownDevices() const {
     auto devices = last_;
     for (auto device = devices.begin(); device != devices.end();) {
-        const auto* value = find(device->second, "Serial");
-        const auto* serial = value ? value->string() : nullptr;
+        const auto* serial = stringAt(device->second, "Serial");
         const bool isElsewhere = serial && !serial->empty() && isListedElsewhere && isListedElsewhere(*serial);
         device = isElsewhere ? devices.erase(device) : std::next(device);
     }

@@ -3,6 +3,7 @@
 
 #include "support/PropertyValue.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -16,9 +17,28 @@ using MobileDeviceReference = std::uint64_t;
 using MobileServiceConnection = std::uint64_t;
 
 // The library that talks to phones and tablets: fourteen entry points found by name at run time. The calls on
-// a device may take long; they are made inside MainLoop::background and block only there.
+// a device may take long; they are made inside MainLoop::background and block only there. Where nothing else is
+// said a status is 0 on success.
 class MobileDeviceLibrary {
 public:
+    // In the order in which they are looked up.
+    static constexpr std::array<std::string_view, 14> entryPoints = {
+        "AMDeviceNotificationSubscribe",
+        "AMDeviceConnect",
+        "AMDeviceDisconnect",
+        "AMDeviceIsPaired",
+        "AMDeviceValidatePairing",
+        "AMDeviceStartSession",
+        "AMDeviceStopSession",
+        "AMDeviceCopyValue",
+        "AMDeviceCopyDeviceIdentifier",
+        "AMDeviceGetInterfaceType",
+        "AMDeviceSecureStartService",
+        "AMDServiceConnectionSendMessage",
+        "AMDServiceConnectionReceiveMessage",
+        "AMDServiceConnectionInvalidate",
+    };
+
     virtual ~MobileDeviceLibrary() = default;
 
     // Whether the library itself is there.
@@ -31,6 +51,7 @@ public:
     // mean nothing) and may get the reference 0.
     virtual void subscribe(std::function<void(MobileDeviceReference, std::uint32_t code)> listener) = 0;
 
+    // A reference stays valid while it is retained; from any thread.
     virtual void retain(MobileDeviceReference device) = 0;
     virtual void release(MobileDeviceReference device) = 0;
     virtual std::optional<std::string> copyDeviceIdentifier(MobileDeviceReference device) = 0;
@@ -38,7 +59,7 @@ public:
 
     virtual int connect(MobileDeviceReference device) = 0;
     virtual void disconnect(MobileDeviceReference device) = 0;
-    virtual int isPaired(MobileDeviceReference device) = 0;
+    virtual int isPaired(MobileDeviceReference device) = 0; // 0: it is not
     virtual int validatePairing(MobileDeviceReference device) = 0;
     virtual int startSession(MobileDeviceReference device) = 0;
     virtual void stopSession(MobileDeviceReference device) = 0;

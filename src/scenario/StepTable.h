@@ -17,7 +17,7 @@ namespace kivo {
 class ScenarioRun;
 
 // The kinds of steps by key: how each one's value is read, and what it then does. An area of the application
-// registers its steps in a file of its own (`PowerSteps.cpp` and the like).
+// registers its steps in a file of its own (`DeviceSteps.cpp` and the like).
 class StepTable {
 public:
     // A fallible step's throws DecodingError for something that only the running system can tell, like settings

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulated/MachineKeyTable.h"
 
+#include "platform/MobileDeviceLibrary.h"
 #include "support/TimeZone.h"
 
 #include <algorithm>
@@ -9,32 +10,24 @@
 namespace kivo {
 namespace {
 
-// Everything that the system finds by name at run time.
-constexpr std::array<std::string_view, 18> namesThatCanMiss = {
+// What the system finds by name at run time, besides the entry points for mobile devices.
+constexpr std::array<std::string_view, 4> namesThatCanMiss = {
     "IOPSCopyPowerSourcesByType",
     "IOPSNotificationCreateRunLoopSource",
     "responsibility_get_pid_responsible_for_pid",
     "MobileDevice.framework",
-    "AMDeviceNotificationSubscribe",
-    "AMDeviceConnect",
-    "AMDeviceDisconnect",
-    "AMDeviceIsPaired",
-    "AMDeviceValidatePairing",
-    "AMDeviceStartSession",
-    "AMDeviceStopSession",
-    "AMDeviceCopyValue",
-    "AMDeviceCopyDeviceIdentifier",
-    "AMDeviceGetInterfaceType",
-    "AMDeviceSecureStartService",
-    "AMDServiceConnectionSendMessage",
-    "AMDServiceConnectionReceiveMessage",
-    "AMDServiceConnectionInvalidate",
 };
+
+bool canMiss(std::string_view name) {
+    const auto& entryPoints = MobileDeviceLibrary::entryPoints;
+    return std::find(namesThatCanMiss.begin(), namesThatCanMiss.end(), name) != namesThatCanMiss.end() ||
+           std::find(entryPoints.begin(), entryPoints.end(), name) != entryPoints.end();
+}
 
 NameSet readMissing(const PropertyValue& value) {
     NameSet missing;
     for (auto& name : reading::strings(value, "missing")) {
-        if (std::find(namesThatCanMiss.begin(), namesThatCanMiss.end(), name) == namesThatCanMiss.end())
+        if (!canMiss(name))
             throw DecodingError("missing names \"" + name + "\", which the system never looks for");
         missing.insert(std::move(name));
     }

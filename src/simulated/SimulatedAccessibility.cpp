@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "simulated/SimulatedAccessibility.h"
 
+#include "support/Text.h"
+
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 namespace kivo {
@@ -36,9 +37,8 @@ void addChildren(Node& parent, const std::optional<std::vector<AccessibilityElem
 }
 
 // "Close" or "Name:Close" with whatever follows, in English or Spanish, in any letter case.
-bool isCloseAction(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+bool isCloseAction(std::string_view action) {
+    const std::string name = lowercased(action);
     return name == "close" || name == "cerrar" || name.starts_with("name:close") ||
            name.starts_with("name:cerrar");
 }
@@ -87,7 +87,7 @@ private:
         const auto& actions = *node->state.actions;
         if (std::find(actions.begin(), actions.end(), action) == actions.end())
             return false;
-        if (node->parent && isCloseAction(std::string(action)))
+        if (node->parent && isCloseAction(action))
             std::erase(node->parent->children, node);
         return true;
     }

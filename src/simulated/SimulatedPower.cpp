@@ -40,13 +40,13 @@ void SimulatedProcessRunner::run(std::string path, std::vector<std::string> argu
     core_.events.record("process.run",
                         {{"path", path}, {"arguments", Array(arguments.begin(), arguments.end())}});
     std::optional<std::string> output;
-    double seconds_ = 0;
+    double duration = 0;
     if (path == "/usr/sbin/system_profiler" && core_.state.systemProfiler) {
         output = core_.state.systemProfiler->output;
-        seconds_ = core_.state.systemProfiler->seconds;
+        duration = core_.state.systemProfiler->seconds;
     }
-    core_.loop.background([&, done = std::move(done)] {
-        core_.loop.spend(seconds(seconds_));
+    core_.loop.background([&core = core_, duration, output = std::move(output), done = std::move(done)] {
+        core.loop.spend(seconds(duration));
         return [done, output] { done(output); };
     });
 }

@@ -9,10 +9,10 @@ std::optional<std::string> readContents(const PropertyValue& value) {
     const auto* object = value.dictionary();
     if (!object || object->size() != 1)
         return std::nullopt;
-    if (const auto* value_ = find(*object, "json"))
-        return json::write(*value_);
-    const auto* text = find(*object, "text");
-    return text && text->string() ? std::optional(*text->string()) : std::nullopt;
+    if (const auto* tree = find(*object, "json"))
+        return json::write(*tree);
+    const auto* text = stringAt(*object, "text");
+    return text ? std::optional(*text) : std::nullopt;
 }
 
 Dictionary readSuite(const PropertyValue& value, const std::string& what) {

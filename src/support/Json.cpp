@@ -32,13 +32,13 @@ public:
         // Without the library's own mark in front: "[json.exception.parse_error.101] …".
         const std::string_view message = error.what();
         const auto mark = message.find("] ");
-        error_ = "the text is not JSON: ";
-        error_ += mark == std::string_view::npos ? message : message.substr(mark + 2);
+        complaint = "the text is not JSON: ";
+        complaint += mark == std::string_view::npos ? message : message.substr(mark + 2);
         return false;
     }
 
     PropertyValue result;
-    std::string error_ = "the text is not JSON";
+    std::string complaint = "the text is not JSON";
 
 private:
     bool add(PropertyValue value) {
@@ -54,7 +54,7 @@ private:
     }
     bool open(PropertyValue container) {
         if (open_.size() == deepestLevel) {
-            error_ = "the text is nested too deeply";
+            complaint = "the text is nested too deeply";
             return false;
         }
         open_.push_back(std::move(container));
@@ -105,7 +105,7 @@ nlohmann::json toLibrary(const PropertyValue& value) {
 PropertyValue json::parse(std::string_view text) {
     Builder builder;
     if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder))
-        throw DecodingError(builder.error_);
+        throw DecodingError(builder.complaint);
     return std::move(builder.result);
 }
 

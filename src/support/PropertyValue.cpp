@@ -97,4 +97,34 @@ const PropertyValue* find(const Dictionary& dictionary, std::string_view key) {
     return it == dictionary.end() ? nullptr : &it->second;
 }
 
+const std::string* stringAt(const Dictionary& dictionary, std::string_view key) {
+    const auto* value = find(dictionary, key);
+    return value ? value->string() : nullptr;
+}
+
+const Dictionary* dictionaryAt(const Dictionary& dictionary, std::string_view key) {
+    const auto* value = find(dictionary, key);
+    return value ? value->dictionary() : nullptr;
+}
+
+const Array* arrayAt(const Dictionary& dictionary, std::string_view key) {
+    const auto* value = find(dictionary, key);
+    return value ? value->array() : nullptr;
+}
+
+std::optional<bool> booleanAt(const Dictionary& dictionary, std::string_view key) {
+    const auto* value = find(dictionary, key);
+    return value ? value->boolean() : std::nullopt;
+}
+
+std::optional<std::int64_t> integerAt(const Dictionary& dictionary, std::string_view key) {
+    const auto* value = find(dictionary, key);
+    return value ? value->integer() : std::nullopt;
+}
+
+std::optional<double> numberAt(const Dictionary& dictionary, std::string_view key) {
+    const auto* value = find(dictionary, key);
+    return value ? value->number() : std::nullopt;
+}
+
 } // namespace kivo

@@ -97,4 +97,13 @@ using Array = PropertyValue::Array;
 // The value under `key`, or a null pointer when there is none.
 const PropertyValue* find(const Dictionary& dictionary, std::string_view key);
 
+// The same for a value of one type, as the accessors of PropertyValue tell types; nothing (a null pointer) when
+// there is another value or none.
+const std::string* stringAt(const Dictionary& dictionary, std::string_view key);
+const Dictionary* dictionaryAt(const Dictionary& dictionary, std::string_view key);
+const Array* arrayAt(const Dictionary& dictionary, std::string_view key);
+std::optional<bool> booleanAt(const Dictionary& dictionary, std::string_view key);
+std::optional<std::int64_t> integerAt(const Dictionary& dictionary, std::string_view key);
+std::optional<double> numberAt(const Dictionary& dictionary, std::string_view key);
+
 } // namespace kivo

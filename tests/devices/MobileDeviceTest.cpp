@@ -210,8 +210,8 @@ TEST_F(MobileDeviceTest, derivesNamesClassesAndHealth) {
 }
 
 TEST_F(MobileDeviceTest, needsAllEntryPoints) {
-    const std::vector<std::string_view> names(MobileDevice::entryPoints.begin(),
-                                              MobileDevice::entryPoints.end());
+    const std::vector<std::string_view> names(MobileDeviceLibrary::entryPoints.begin(),
+                                              MobileDeviceLibrary::entryPoints.end());
     for (std::size_t i = 0; i <= names.size(); ++i) {
         fakes::Library library;
         fakes::Log log;

@@ -64,25 +64,9 @@ bool isAddress(std::string_view text) {
     return true;
 }
 
-std::string stringAt(const Dictionary& properties, std::string_view key) {
-    const auto* value = find(properties, key);
-    const auto* text = value ? value->string() : nullptr;
+std::string textAt(const Dictionary& properties, std::string_view key) {
+    const auto* text = stringAt(properties, key);
     return text ? *text : std::string();
-}
-
-std::int64_t integerAt(const Dictionary& properties, std::string_view key) {
-    const auto* value = find(properties, key);
-    return value ? value->integer().value_or(0) : 0;
-}
-
-double numberAt(const Dictionary& properties, std::string_view key) {
-    const auto* value = find(properties, key);
-    return value ? value->number().value_or(0) : 0;
-}
-
-bool flagAt(const Dictionary& properties, std::string_view key, bool missing) {
-    const auto* value = find(properties, key);
-    return value ? value->boolean().value_or(missing) : missing;
 }
 
 template <typename Key, typename Value>
@@ -137,28 +121,29 @@ void setPercent(Sighting& sighting, double percent, Precision precision) {
 }
 
 std::optional<Sighting> sightingFromUPower(const std::string& path, const Dictionary& properties) {
-    const auto type = integerAt(properties, "Type");
-    if (flagAt(properties, "PowerSupply", true) || type == linePowerType || type == uninterruptibleSupplyType)
+    const auto type = integerAt(properties, "Type").value_or(0);
+    if (booleanAt(properties, "PowerSupply").value_or(true) || type == linePowerType ||
+        type == uninterruptibleSupplyType)
         return std::nullopt;
     Sighting sighting;
-    const auto nativePath = stringAt(properties, "NativePath");
-    sighting.serial = stringAt(properties, "Serial");
+    const auto nativePath = textAt(properties, "NativePath");
+    sighting.serial = textAt(properties, "Serial");
     sighting.address =
         bluetoothAddress(nativePath).value_or(bluetoothAddress(sighting.serial).value_or(std::string()));
     sighting.path = nativePath.empty() ? path : nativePath;
-    sighting.name = stringAt(properties, "Model");
+    sighting.name = textAt(properties, "Model");
     if (sighting.name.empty())
-        sighting.name = stringAt(properties, "Vendor");
+        sighting.name = textAt(properties, "Vendor");
     sighting.category = look(categoryByUPowerType, type);
-    sighting.isCharging = integerAt(properties, "State") == chargingState;
+    sighting.isCharging = integerAt(properties, "State").value_or(0) == chargingState;
     sighting.isNamedByUser = nativePath.find("/org/bluez/") == 0;
-    if (!flagAt(properties, "IsPresent", true))
+    if (!booleanAt(properties, "IsPresent").value_or(true))
         return sighting;
     const auto* level = find(properties, "BatteryLevel");
-    const auto percent = numberAt(properties, "Percentage");
+    const auto percent = numberAt(properties, "Percentage").value_or(0);
     if (level && level->integer() == unknownLevel && percent == unknownLevelPercent)
         return sighting;
-    const auto coarse = look(coarseLevels, integerAt(properties, "BatteryLevel"));
+    const auto coarse = look(coarseLevels, integerAt(properties, "BatteryLevel").value_or(0));
     setPercent(sighting, percent > 0 ? percent : static_cast<double>(coarse),
                coarse != 0 ? Precision::coarse : Precision::exact);
     return sighting;
@@ -166,17 +151,17 @@ std::optional<Sighting> sightingFromUPower(const std::string& path, const Dictio
 
 Sighting sightingFromBluez(const std::string& path, const Dictionary& properties) {
     Sighting sighting;
-    sighting.address = bluetoothAddress(stringAt(properties, "Address"))
+    sighting.address = bluetoothAddress(textAt(properties, "Address"))
                            .value_or(bluetoothAddress(path).value_or(std::string()));
     sighting.path = path;
-    sighting.name = stringAt(properties, "Alias");
+    sighting.name = textAt(properties, "Alias");
     if (sighting.name.empty())
-        sighting.name = stringAt(properties, "Name");
-    const auto icon = stringAt(properties, "Icon");
+        sighting.name = textAt(properties, "Name");
+    const auto icon = textAt(properties, "Icon");
     sighting.category = look(categoryByBluezIcon, std::string_view(icon));
     sighting.isNamedByUser = true;
-    if (flagAt(properties, "Connected", true))
-        setPercent(sighting, numberAt(properties, "Percentage"), Precision::exact);
+    if (booleanAt(properties, "Connected").value_or(true))
+        setPercent(sighting, numberAt(properties, "Percentage").value_or(0), Precision::exact);
     return sighting;
 }
 
@@ -216,16 +201,6 @@ Dictionary description(const std::string& identity, const Sighting& sighting) {
     if (sighting.name.empty())
         result["Name"] = sighting.category.empty() ? std::string_view("Accessory") : sighting.category;
     return result;
-}
-
-std::string_view attribute(const KernelAttributes& attributes, std::string_view key) {
-    const auto found = attributes.find(key);
-    if (found == attributes.end())
-        return {};
-    std::string_view text = found->second;
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' '))
-        text.remove_suffix(1);
-    return text;
 }
 
 std::int64_t percentFromKernel(const KernelAttributes& attributes) {

@@ -12,20 +12,8 @@ constexpr std::int64_t linePowerType = 1;
 constexpr std::int64_t batteryType = 2;
 constexpr double micro = 1e-6;
 
-std::optional<double> number(const Dictionary& properties, std::string_view key) {
-    const auto* value = find(properties, key);
-    const auto result = value ? value->number() : std::nullopt;
-    return result && std::isfinite(*result) ? result : std::nullopt;
-}
-
-std::optional<std::int64_t> integer(const Dictionary& properties, std::string_view key) {
-    const auto* value = find(properties, key);
-    return value ? value->integer() : std::nullopt;
-}
-
-bool boolean(const Dictionary& properties, std::string_view key, bool missing) {
-    const auto* value = find(properties, key);
-    return value ? value->boolean().value_or(missing) : missing;
+std::optional<double> finite(std::optional<double> value) {
+    return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
 template <typename T>
@@ -52,54 +40,43 @@ std::optional<double> credible(std::optional<double> percent, const BatterySuppl
 }
 
 SupplyState stateFromUPower(const Dictionary& properties) {
-    const auto state = integer(properties, "State").value_or(0);
+    const auto state = integerAt(properties, "State").value_or(0);
     return state >= 0 && state <= static_cast<std::int64_t>(SupplyState::pendingDischarge)
                ? static_cast<SupplyState>(state)
                : SupplyState::unknown;
 }
 
 std::string nameFromUPower(const std::string& path, const Dictionary& properties) {
-    const auto* value = find(properties, "NativePath");
-    const auto* native = value ? value->string() : nullptr;
+    const auto* native = stringAt(properties, "NativePath");
     const std::string& full = native ? *native : path;
     return full.substr(full.rfind('/') + 1);
 }
 
 BatterySupply batteryFromUPower(const Dictionary& properties) {
     BatterySupply battery;
-    battery.isPresent = boolean(properties, "IsPresent", true);
+    battery.isPresent = booleanAt(properties, "IsPresent").value_or(true);
     battery.state = stateFromUPower(properties);
-    battery.fullWattHours = positive(number(properties, "EnergyFull"));
-    battery.designWattHours = positive(number(properties, "EnergyFullDesign"));
-    battery.percent = credible(number(properties, "Percentage"), battery);
+    battery.fullWattHours = positive(finite(numberAt(properties, "EnergyFull")));
+    battery.designWattHours = positive(finite(numberAt(properties, "EnergyFullDesign")));
+    battery.percent = credible(finite(numberAt(properties, "Percentage")), battery);
     if (battery.fullWattHours)
-        battery.wattHours = magnitude(number(properties, "Energy"));
-    battery.watts = positive(magnitude(number(properties, "EnergyRate")));
-    battery.volts = positive(number(properties, "Voltage"));
-    battery.designVolts = positive(number(properties, "VoltageMinDesign"));
-    battery.celsius = number(properties, "Temperature");
+        battery.wattHours = magnitude(finite(numberAt(properties, "Energy")));
+    battery.watts = positive(magnitude(finite(numberAt(properties, "EnergyRate"))));
+    battery.volts = positive(finite(numberAt(properties, "Voltage")));
+    battery.designVolts = positive(finite(numberAt(properties, "VoltageMinDesign")));
+    battery.celsius = finite(numberAt(properties, "Temperature"));
     if (battery.celsius == 0.0)
         battery.celsius.reset();
-    battery.cycles = positive(integer(properties, "ChargeCycles"));
-    battery.secondsToEmpty = positive(integer(properties, "TimeToEmpty"));
-    battery.secondsToFull = positive(integer(properties, "TimeToFull"));
-    if (boolean(properties, "ChargeThresholdEnabled", false))
-        battery.chargeLimit = validLimit(number(properties, "ChargeEndThreshold"));
+    battery.cycles = positive(integerAt(properties, "ChargeCycles"));
+    battery.secondsToEmpty = positive(integerAt(properties, "TimeToEmpty"));
+    battery.secondsToFull = positive(integerAt(properties, "TimeToFull"));
+    if (booleanAt(properties, "ChargeThresholdEnabled").value_or(false))
+        battery.chargeLimit = validLimit(finite(numberAt(properties, "ChargeEndThreshold")));
     return battery;
 }
 
-std::string_view text(const KernelAttributes& attributes, std::string_view key) {
-    const auto it = attributes.find(key);
-    if (it == attributes.end())
-        return {};
-    std::string_view value = it->second;
-    while (!value.empty() && (value.back() == '\n' || value.back() == ' '))
-        value.remove_suffix(1);
-    return value;
-}
-
 std::optional<std::int64_t> kernelInteger(const KernelAttributes& attributes, std::string_view key) {
-    const auto value = text(attributes, key);
+    const auto value = attribute(attributes, key);
     std::int64_t result = 0;
     const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), result);
     return error == std::errc{} && end == value.data() + value.size() ? std::optional(result) : std::nullopt;
@@ -144,8 +121,8 @@ void readKernelCapacities(BatterySupply& battery, const KernelAttributes& attrib
 
 BatterySupply batteryFromKernel(const KernelAttributes& attributes) {
     BatterySupply battery;
-    battery.isPresent = text(attributes, "present") != "0";
-    battery.state = stateFromKernel(text(attributes, "status"));
+    battery.isPresent = attribute(attributes, "present") != "0";
+    battery.state = stateFromKernel(attribute(attributes, "status"));
     battery.volts = positive(kernelMicro(attributes, "voltage_now"));
     battery.designVolts = positive(kernelMicro(attributes, "voltage_min_design"));
     readKernelCapacities(battery, attributes);
@@ -182,16 +159,26 @@ void sortByName(std::vector<BatterySupply>& batteries) {
 
 } // namespace
 
+std::string_view attribute(const KernelAttributes& attributes, std::string_view key) {
+    const auto it = attributes.find(key);
+    if (it == attributes.end())
+        return {};
+    std::string_view value = it->second;
+    while (!value.empty() && (value.back() == '\n' || value.back() == ' '))
+        value.remove_suffix(1);
+    return value;
+}
+
 Supplies suppliesFromUPower(const UPowerDevices& devices) {
     Supplies supplies;
     for (const auto& [path, properties] : devices) {
         // Accessories charge themselves.
-        if (!boolean(properties, "PowerSupply", true))
+        if (!booleanAt(properties, "PowerSupply").value_or(true))
             continue;
-        const auto type = integer(properties, "Type");
+        const auto type = integerAt(properties, "Type");
         const std::string name = nameFromUPower(path, properties);
         if (type == linePowerType) {
-            supplies.adapters[name] = boolean(properties, "Online", false);
+            supplies.adapters[name] = booleanAt(properties, "Online").value_or(false);
         } else if (type == batteryType) {
             supplies.batteries.push_back(batteryFromUPower(properties));
             supplies.batteries.back().name = name;
@@ -204,9 +191,9 @@ Supplies suppliesFromUPower(const UPowerDevices& devices) {
 Supplies suppliesFromKernel(const KernelSupplies& all) {
     Supplies supplies;
     for (const auto& [name, attributes] : all) {
-        if (text(attributes, "scope") == "Device")
+        if (attribute(attributes, "scope") == "Device")
             continue;
-        const auto type = text(attributes, "type");
+        const auto type = attribute(attributes, "type");
         if (type == "Mains" || type == "USB" || type == "Wireless") {
             supplies.adapters[name] = kernelInteger(attributes, "online").value_or(0) != 0;
         } else if (type == "Battery") {

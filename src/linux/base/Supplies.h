@@ -54,6 +54,10 @@ using UPowerDevices = std::map<std::string, Dictionary>;
 using KernelAttributes = std::map<std::string, std::string, std::less<>>;
 using KernelSupplies = std::map<std::string, KernelAttributes>;
 
+// An attribute's text without the line end and spaces behind it; empty where there is none. It lasts as long as
+// `attributes`.
+std::string_view attribute(const KernelAttributes& attributes, std::string_view key);
+
 Supplies suppliesFromUPower(const UPowerDevices& devices);
 Supplies suppliesFromKernel(const KernelSupplies& all);
 

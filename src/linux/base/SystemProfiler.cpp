@@ -7,18 +7,13 @@ namespace {
 // Of the design capacity; with less the battery wants service.
 constexpr double leastShare = 0.8;
 
-std::optional<std::int64_t> integer(const Dictionary& properties, std::string_view key) {
-    const auto* value = find(properties, key);
-    return value ? value->integer() : std::nullopt;
-}
-
 } // namespace
 
 std::optional<std::string> powerReport(const std::optional<Dictionary>& smartBattery) {
     if (!smartBattery)
         return std::nullopt;
-    const auto full = integer(*smartBattery, "NominalChargeCapacity");
-    const auto design = integer(*smartBattery, "DesignCapacity");
+    const auto full = integerAt(*smartBattery, "NominalChargeCapacity");
+    const auto design = integerAt(*smartBattery, "DesignCapacity");
     if (!full || !design || *design < 1)
         return std::nullopt;
     const bool isWorn = static_cast<double>(*full) / static_cast<double>(*design) < leastShare;

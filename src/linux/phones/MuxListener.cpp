@@ -32,14 +32,8 @@ std::string framed(const std::string& body) {
 }
 
 std::string_view textAt(const Dictionary& dictionary, std::string_view key) {
-    const auto* value = find(dictionary, key);
-    const auto* text = value ? value->string() : nullptr;
+    const auto* text = stringAt(dictionary, key);
     return text ? std::string_view(*text) : std::string_view();
-}
-
-std::optional<std::int64_t> integerAt(const Dictionary& dictionary, std::string_view key) {
-    const auto* value = find(dictionary, key);
-    return value ? value->integer() : std::nullopt;
 }
 
 } // namespace
@@ -98,8 +92,7 @@ void MuxListener::takeMessage(std::string_view body, std::vector<std::string>& l
 }
 
 std::optional<MuxListener::Phone> MuxListener::attached(const Dictionary& message) {
-    const auto* value = find(message, "Properties");
-    const auto* properties = value ? value->dictionary() : nullptr;
+    const auto* properties = dictionaryAt(message, "Properties");
     if (!properties)
         return std::nullopt;
     const auto identifier = textAt(*properties, "SerialNumber");

@@ -14,8 +14,7 @@ constexpr std::size_t longestText = 200; // characters
 constexpr std::string_view levelKey = "BatteryCurrentCapacity";
 
 const char* textOrNull(const Dictionary& arguments, std::string_view key) {
-    const auto* value = find(arguments, key);
-    const auto* text = value ? value->string() : nullptr;
+    const auto* text = stringAt(arguments, key);
     return text ? text->c_str() : nullptr;
 }
 
@@ -83,9 +82,8 @@ PhoneReply PhoneServer::answer(const PhoneCall& call) {
         const char* service = textOrNull(call.arguments, "service");
         reply.status = service ? session_.startService(service) : failure;
     } else if (name == "AMDServiceConnectionSendMessage") {
-        const auto* message = find(call.arguments, "message");
-        reply.status =
-            message && message->dictionary() ? session_.sendMessage(*message->dictionary()) : failure;
+        const auto* message = dictionaryAt(call.arguments, "message");
+        reply.status = message ? session_.sendMessage(*message) : failure;
     } else if (name == "AMDServiceConnectionReceiveMessage") {
         reply.status = session_.receiveMessage(reply.value);
     } else if (name == "AMDServiceConnectionInvalidate") {
