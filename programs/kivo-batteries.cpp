@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // kivo-batteries: the list of batteries that the running Kivo keeps, for terminals and status bars.
 #include "devices/PowerDevice.h"
+#include "linux/base/Descriptor.h"
 #include "linux/base/Folders.h"
 #include "linux/base/WholeFile.h"
 #include "support/Json.h"
@@ -53,23 +54,20 @@ bool print(const std::string& text) {
 // Waits for the next change in a folder.
 class FolderWatch {
 public:
-    explicit FolderWatch(const std::string& folder) : descriptor_(inotify_init1(IN_CLOEXEC)) {
+    explicit FolderWatch(const std::string& folder) : events_(inotify_init1(IN_CLOEXEC)) {
         std::error_code ignored;
         std::filesystem::create_directories(folder, ignored);
-        if (descriptor_ < 0 || inotify_add_watch(descriptor_, folder.c_str(), IN_MOVED_TO | IN_CLOSE_WRITE) < 0)
+        if (!events_ || inotify_add_watch(events_.get(), folder.c_str(), IN_MOVED_TO | IN_CLOSE_WRITE) < 0)
             throw std::runtime_error(folder + " cannot be watched");
     }
-    ~FolderWatch() { close(descriptor_); }
-    FolderWatch(const FolderWatch&) = delete;
-    FolderWatch& operator=(const FolderWatch&) = delete;
 
     bool wait() {
         alignas(inotify_event) char events[4096];
-        return read(descriptor_, events, sizeof events) > 0;
+        return read(events_.get(), events, sizeof events) > 0;
     }
 
 private:
-    int descriptor_;
+    Descriptor events_;
 };
 
 int run(const Options& options) {

@@ -6,8 +6,8 @@
 #include "linux/NameOwner.h"
 #include "linux/base/AccessibleTree.h"
 #include "linux/base/NotificationProcesses.h"
+#include "linux/base/ProcessOwners.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 
 #include <memory>
@@ -19,7 +19,6 @@ namespace {
 const QString service = QStringLiteral("org.a11y.Bus");
 const QString path = QStringLiteral("/org/a11y/bus");
 const QString status = QStringLiteral("org.a11y.Status");
-const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString isEnabledProperty = QStringLiteral("IsEnabled");
 
 // Milliseconds.
@@ -70,7 +69,7 @@ private:
 LinuxAccessibility::LinuxAccessibility(MainLoop& loop, const QDBusConnection& session,
                                        std::function<void(bool)> silence)
     : loop_(loop), session_(session), silence_(std::move(silence)) {
-    session_.connect(service, path, properties, QStringLiteral("PropertiesChanged"), this,
+    session_.connect(service, path, propertiesInterface, QStringLiteral("PropertiesChanged"), this,
                      SLOT(statusChanged(QDBusMessage)));
     service_ = std::make_unique<NameOwner>(session_, service, [this](const QString& owner) {
         if (owner.isEmpty())
@@ -83,16 +82,11 @@ LinuxAccessibility::LinuxAccessibility(MainLoop& loop, const QDBusConnection& se
 LinuxAccessibility::~LinuxAccessibility() = default;
 
 void LinuxAccessibility::call(const QDBusMessage& message, Done done) {
-    auto* watcher = new QDBusPendingCallWatcher(session_.asyncCall(message, longestAnswer), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [done = std::move(done)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                done(finished->reply());
-            });
+    callBus(session_, message, this, std::move(done), longestAnswer);
 }
 
 void LinuxAccessibility::askStatus(Done done) {
-    auto question = QDBusMessage::createMethodCall(service, path, properties, QStringLiteral("Get"));
+    auto question = QDBusMessage::createMethodCall(service, path, propertiesInterface, QStringLiteral("Get"));
     question.setAutoStartService(false);
     question.setArguments({status, isEnabledProperty});
     call(question, [this, done = std::move(done)](const QDBusMessage& reply) {
@@ -112,7 +106,7 @@ void LinuxAccessibility::statusChanged(const QDBusMessage& message) {
 void LinuxAccessibility::isProcessTrustedWithPrompt(std::function<void(bool isTrusted)> answer) {
     if (isEnabled_.get() || !session_.isConnected())
         return answer(isEnabled_.get());
-    auto order = QDBusMessage::createMethodCall(service, path, properties, QStringLiteral("Set"));
+    auto order = QDBusMessage::createMethodCall(service, path, propertiesInterface, QStringLiteral("Set"));
     order.setArguments({status, isEnabledProperty, QVariant::fromValue(QDBusVariant(true))});
     // Some desktops take the order and stay as they are: what counts is what they say afterwards.
     call(order, [this, answer = std::move(answer)](const QDBusMessage&) {

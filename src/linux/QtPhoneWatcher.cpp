@@ -26,8 +26,6 @@ QtPhoneWatcher::~QtPhoneWatcher() {
     phones_.endReadings();
     helperNotifier_.reset();
     folderNotifier_.reset();
-    if (folder_ >= 0)
-        close(folder_);
 }
 
 bool QtPhoneWatcher::start() {
@@ -63,20 +61,20 @@ void QtPhoneWatcher::handleHelper() {
 }
 
 void QtPhoneWatcher::watchFolder() {
-    if (address_.path.empty() || folder_ >= 0)
+    if (address_.path.empty() || folder_)
         return;
-    folder_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    folder_ = Descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     const auto path = std::filesystem::path(address_.path).parent_path();
-    if (folder_ < 0 || inotify_add_watch(folder_, path.c_str(), IN_CREATE | IN_MOVED_TO | IN_ONLYDIR) < 0)
+    if (!folder_ || inotify_add_watch(folder_.get(), path.c_str(), IN_CREATE | IN_MOVED_TO | IN_ONLYDIR) < 0)
         return;
-    folderNotifier_ = std::make_unique<QSocketNotifier>(folder_, QSocketNotifier::Read);
+    folderNotifier_ = std::make_unique<QSocketNotifier>(folder_.get(), QSocketNotifier::Read);
     QObject::connect(folderNotifier_.get(), &QSocketNotifier::activated, folderNotifier_.get(),
                      [this] { handleFolder(); });
 }
 
 void QtPhoneWatcher::handleFolder() {
     alignas(inotify_event) char buffer[4096];
-    const auto count = read(folder_, buffer, sizeof buffer);
+    const auto count = read(folder_.get(), buffer, sizeof buffer);
     const auto name = std::filesystem::path(address_.path).filename();
     bool isOurs = false;
     for (ssize_t at = 0; at < count;) {

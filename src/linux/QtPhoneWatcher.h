@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/base/Descriptor.h"
 #include "linux/phones/HelperProcess.h"
 #include "linux/phones/MuxAddress.h"
 #include "linux/phones/PhoneWatch.h"
@@ -33,7 +34,7 @@ private:
     LinuxMobileDevices& phones_;
     std::string program_;
     MuxAddress address_ = MuxAddress::find();
-    int folder_ = -1; // an inotify descriptor
+    Descriptor folder_; // its events; outlives its notifier
     std::unique_ptr<QSocketNotifier> folderNotifier_;
     std::unique_ptr<HelperProcess> helper_;
     std::unique_ptr<QSocketNotifier> helperNotifier_;

@@ -21,8 +21,11 @@ struct NoticeSilencerTest : testing::Test {
     NoticeSilencerTest() {
         std::filesystem::create_directory(folder / "kivo");
         behave("true");
-        silencer.emplace(loop, QDBusConnection(QStringLiteral("none")), Folders{folder / "", folder / "kivo"},
-                         log, folder / "helper");
+        start();
+    }
+    void start() {
+        const auto places = Folders::find([this](std::string_view) { return std::optional(folder / ""); });
+        silencer.emplace(loop, QDBusConnection(QStringLiteral("none")), places, log, folder / "helper");
     }
     // `first` is what the script does before it does as it was told.
     void behave(const std::string& first) {
@@ -77,8 +80,7 @@ TEST_F(NoticeSilencerTest, theEndPutsBackAndWaitsForNoHelperThatHangs) {
 
     behave("exec sleep 60");
     put(memory, "{}");
-    silencer.emplace(loop, QDBusConnection(QStringLiteral("none")), Folders{folder / "", folder / "kivo"}, log,
-                     folder / "helper");
+    start();
     silencer->silence(true);
     EXPECT_TRUE(comesTo("silence\ndone\nrestore\ndone\nsilence\n"));
     QElapsedTimer timer;

@@ -2,6 +2,7 @@
 #include "linux/base/AccessibleTree.h"
 
 #include "linux/base/NotificationProcesses.h"
+#include "linux/base/ProcessOwners.h"
 
 #include <gtest/gtest.h>
 

@@ -81,6 +81,7 @@ TEST(WholeFile, WhatCannotBeReadOrWrittenSaysWhy) {
     put(folder / "endless", "");
     std::filesystem::resize_file(folder / "endless", largestWholeFile + 1);
     EXPECT_EQ(readWholeFile(folder / "endless").error, (folder / "endless") + ": too large");
+    std::filesystem::remove(folder / "endless");
     EXPECT_EQ(readWholeFile(folder / "pipe").error, (folder / "pipe") + ": not a file");
     EXPECT_EQ(replaceWholeFile(folder / "x.json", "text"), (folder / "x.json") + ": Is a directory");
     EXPECT_EQ(replaceWholeFile(folder / "file/inside", "text"), (folder / "file") + ": Not a directory");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/AutostartEntry.h"
 
+#include "linux/base/Words.h"
 #include "platform/Application.h"
 
 #include <algorithm>
@@ -12,15 +13,6 @@ namespace {
 constexpr std::string_view group = "[Desktop Entry]";
 constexpr std::string_view hiddenKey = "Hidden";
 constexpr std::string_view gnomeKey = "X-GNOME-Autostart-enabled";
-
-std::string_view trimmed(std::string_view text) {
-    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
 
 // A line's key within the entry's own group; empty for anything else.
 struct Line {
@@ -141,22 +133,14 @@ std::string firstWord(std::string_view line) {
 
 // Whether two lists have a word in common; the lists' words end with these characters.
 bool haveCommon(std::string_view first, char firstEnd, std::string_view second, char secondEnd) {
-    const auto contains = [&](std::string_view wanted) {
-        for (auto rest = second; !rest.empty();) {
-            const auto word = rest.substr(0, rest.find(secondEnd));
-            rest.remove_prefix(std::min(rest.size(), word.size() + 1));
-            if (trimmed(word) == wanted)
-                return true;
-        }
-        return false;
+    const auto others = split(second, secondEnd);
+    const auto isAmongOthers = [&](std::string_view part) {
+        const auto word = trimmed(part);
+        return !word.empty() && std::any_of(others.begin(), others.end(),
+                                            [&](std::string_view other) { return trimmed(other) == word; });
     };
-    while (!first.empty()) {
-        const auto word = first.substr(0, first.find(firstEnd));
-        first.remove_prefix(std::min(first.size(), word.size() + 1));
-        if (!trimmed(word).empty() && contains(trimmed(word)))
-            return true;
-    }
-    return false;
+    const auto parts = split(first, firstEnd);
+    return std::any_of(parts.begin(), parts.end(), isAmongOthers);
 }
 
 bool isSwitch(const Line& line) {

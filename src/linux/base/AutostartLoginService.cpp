@@ -2,6 +2,7 @@
 #include "linux/base/AutostartLoginService.h"
 
 #include "linux/base/WholeFile.h"
+#include "linux/base/Words.h"
 #include "platform/Application.h"
 
 #include <algorithm>
@@ -22,23 +23,13 @@ bool isExecutableFile(const std::string& path) {
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && access(path.c_str(), X_OK) == 0;
 }
 
-std::vector<std::string> words(const std::string& list) {
-    std::vector<std::string> result;
-    for (std::size_t start = 0; start <= list.size();) {
-        const auto end = std::min(list.find(':', start), list.size());
-        if (end > start)
-            result.push_back(list.substr(start, end - start));
-        start = end + 1;
-    }
-    return result;
-}
-
 bool isRunnable(const std::string& program, const std::string& path) {
     if (program.find('/') != program.npos)
         return isExecutableFile(program);
-    const auto folders = words(path);
-    return std::any_of(folders.begin(), folders.end(),
-                       [&](const std::string& folder) { return isExecutableFile(folder + "/" + program); });
+    const auto folders = split(path, ':');
+    return std::any_of(folders.begin(), folders.end(), [&](std::string_view folder) {
+        return !folder.empty() && isExecutableFile(std::string(folder) + "/" + program);
+    });
 }
 
 // An AppImage runs from a folder that is gone when it ends; its own path is what lasts. A program that was
@@ -59,12 +50,10 @@ std::string ownProgram(const EnvironmentLookup& environment) {
 
 AutostartLoginService::Places AutostartLoginService::Places::find(const EnvironmentLookup& environment) {
     Places places;
-    const std::string own = Folders::find(environment).configuration;
-    places.userFolder = own.substr(0, own.rfind('/')) + "/autostart";
-    for (const auto& folder : words(environment("XDG_CONFIG_DIRS").value_or("/etc/xdg"))) {
-        if (folder.starts_with('/'))
-            places.systemFolders.push_back(folder + "/autostart");
-    }
+    const auto folders = Folders::find(environment);
+    places.userFolder = folders.userConfiguration + "/autostart";
+    for (const auto& folder : folders.systemConfiguration)
+        places.systemFolders.push_back(folder + "/autostart");
     places.program = ownProgram(environment);
     places.session.desktops = environment("XDG_CURRENT_DESKTOP").value_or("");
     places.session.isRunnable = [path = environment("PATH").value_or("/usr/local/bin:/usr/bin:/bin")](

@@ -2,6 +2,8 @@
 #include "linux/base/DesktopEntries.h"
 
 #include "linux/base/WholeFile.h"
+#include "linux/base/Words.h"
+#include "support/Text.h"
 
 #include <algorithm>
 #include <array>
@@ -11,21 +13,6 @@
 
 namespace kivo {
 namespace {
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return result;
-}
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-        text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r'))
-        text.remove_suffix(1);
-    return text;
-}
 
 std::string_view fileName(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
@@ -116,15 +103,9 @@ DesktopEntries::DesktopEntries(std::vector<std::string> folders, std::string loc
 }
 
 DesktopEntries DesktopEntries::installed(const EnvironmentLookup& environment) {
-    const std::string home = environment("HOME").value_or("");
-    const std::string own = environment("XDG_DATA_HOME").value_or(home + "/.local/share");
-    std::vector<std::string> folders = {own, own + "/flatpak/exports/share"};
-    const std::string shared = environment("XDG_DATA_DIRS").value_or("/usr/local/share:/usr/share");
-    for (std::size_t start = 0; start <= shared.size();) {
-        const auto end = std::min(shared.find(':', start), shared.size());
-        folders.push_back(shared.substr(start, end - start));
-        start = end + 1;
-    }
+    const auto places = Folders::find(environment);
+    std::vector<std::string> folders = {places.userData, places.userData + "/flatpak/exports/share"};
+    folders.insert(folders.end(), places.systemData.begin(), places.systemData.end());
     folders.insert(folders.end(), {"/var/lib/flatpak/exports/share", "/var/lib/snapd/desktop"});
     std::string locale;
     for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
@@ -135,7 +116,7 @@ DesktopEntries DesktopEntries::installed(const EnvironmentLookup& environment) {
 }
 
 const DesktopEntry* DesktopEntries::withId(std::string_view id) const {
-    const auto found = byId_.find(lowered(id));
+    const auto found = byId_.find(lowercased(id));
     return found == byId_.end() ? nullptr : &entries_[found->second];
 }
 
@@ -177,14 +158,14 @@ void DesktopEntries::readFolder(const std::string& folder) {
             continue;
         std::string id = path.substr(folder.size() + 1, path.size() - folder.size() - 1 - 8);
         std::ranges::replace(id, '/', '-');
-        if (byId_.contains(lowered(id)))
+        if (byId_.contains(lowercased(id)))
             continue;
         auto entry = parseDesktopEntry(readWholeFile(path).text, locale_);
         if (!entry)
             continue;
         entry->id = std::move(id);
         entry->path = path;
-        byId_.emplace(lowered(entry->id), entries_.size());
+        byId_.emplace(lowercased(entry->id), entries_.size());
         if (entry->isShown && !entry->executable.empty())
             byExecutable_.emplace(entry->executable, entries_.size());
         entries_.push_back(std::move(*entry));

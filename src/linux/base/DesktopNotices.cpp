@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/DesktopNotices.h"
 
+#include "linux/base/Descriptor.h"
 #include "linux/base/GSettingsSwitch.h"
 #include "linux/base/NotifyrcSwitch.h"
 #include "linux/base/WholeFile.h"
+#include "linux/base/Words.h"
 #include "support/Json.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -25,11 +28,9 @@ constexpr std::pair<std::string_view, std::string_view> desktops[] = {
 };
 
 bool isOf(std::string_view desktop, std::string_view notice) {
-    const std::string list = ":" + std::string(desktop) + ":";
-    for (const auto& [name, owned] : desktops)
-        if (owned == notice && list.find(":" + std::string(name) + ":") != std::string::npos)
-            return true;
-    return false;
+    return std::any_of(std::begin(desktops), std::end(desktops), [&](const auto& row) {
+        return row.second == notice && isListed(row.first, desktop, ':');
+    });
 }
 
 } // namespace
@@ -47,19 +48,13 @@ public:
     explicit Lock(const std::string& memory) {
         std::error_code ignored;
         std::filesystem::create_directories(std::filesystem::path(memory).parent_path(), ignored);
-        descriptor_ = open((memory + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-        while (descriptor_ >= 0 && flock(descriptor_, LOCK_EX) != 0 && errno == EINTR) {
+        file_ = Descriptor(open((memory + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+        while (file_ && flock(file_.get(), LOCK_EX) != 0 && errno == EINTR) {
         }
     }
-    ~Lock() {
-        if (descriptor_ >= 0)
-            close(descriptor_);
-    }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
 
 private:
-    int descriptor_;
+    Descriptor file_;
 };
 
 DesktopNotices::DesktopNotices(NoticeSwitches switches, std::string memory)

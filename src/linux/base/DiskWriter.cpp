@@ -52,8 +52,8 @@ void DiskWriter::startThread() {
     // The thread before this one has found nothing left and is at its end.
     if (thread_.joinable())
         thread_.join();
-    isRunning_ = true;
     thread_ = std::thread([this] { run(); });
+    isRunning_ = true;
 }
 
 std::optional<std::string> DiskWriter::writeAndWait(std::string path, std::string text) {

@@ -7,26 +7,27 @@
 #include <filesystem>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 
 namespace kivo {
 namespace {
 
-int openFile(const std::string& path) {
-    return open(path.c_str(), O_RDONLY | O_CLOEXEC);
+Descriptor openFile(const std::string& path) {
+    return Descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
 }
 
 // The file's first line; sysfs gives a fresh value at each read from the front.
-std::optional<std::string> line(int descriptor) {
+std::optional<std::string> line(const Descriptor& file) {
     char buffer[64];
-    const auto length = descriptor < 0 ? -1 : pread(descriptor, buffer, sizeof buffer, 0);
+    const auto length = file ? pread(file.get(), buffer, sizeof buffer, 0) : -1;
     if (length <= 0)
         return std::nullopt;
     const std::string_view text(buffer, static_cast<std::size_t>(length));
     return std::string(text.substr(0, text.find('\n')));
 }
 
-std::optional<std::int64_t> number(int descriptor) {
-    const auto text = line(descriptor);
+std::optional<std::int64_t> number(const Descriptor& file) {
+    const auto text = line(file);
     std::int64_t value = 0;
     if (!text || std::from_chars(text->data(), text->data() + text->size(), value).ec != std::errc())
         return std::nullopt;
@@ -51,28 +52,14 @@ EnergyMeter::EnergyMeter(const std::string& sys) {
         if (!name.starts_with("intel-rapl:") || name.find(':', 11) != name.npos)
             continue;
         Package package{.energy = openFile(folder + "/energy_uj"), .range = 0, .last = {}};
-        const int range = openFile(folder + "/max_energy_range_uj");
-        package.range = static_cast<std::uint64_t>(number(range).value_or(0));
-        if (range >= 0)
-            close(range);
-        if (package.energy >= 0)
-            packages_.push_back(package);
+        const auto range = number(openFile(folder + "/max_energy_range_uj"));
+        package.range = static_cast<std::uint64_t>(range.value_or(0));
+        if (package.energy)
+            packages_.push_back(std::move(package));
     }
     for (const auto& folder : folders(sys + "/class/power_supply")) {
-        const Battery battery{openFile(folder + "/status"), openFile(folder + "/power_now"),
-                              openFile(folder + "/current_now"), openFile(folder + "/voltage_now")};
-        batteries_.push_back(battery);
-    }
-}
-
-EnergyMeter::~EnergyMeter() {
-    for (const auto& package : packages_)
-        close(package.energy);
-    for (const auto& battery : batteries_) {
-        for (const int descriptor : {battery.status, battery.power, battery.current, battery.voltage}) {
-            if (descriptor >= 0)
-                close(descriptor);
-        }
+        batteries_.push_back({openFile(folder + "/status"), openFile(folder + "/power_now"),
+                              openFile(folder + "/current_now"), openFile(folder + "/voltage_now")});
     }
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/base/Descriptor.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,21 +16,18 @@ class EnergyMeter {
 public:
     // `sys` is the mount point of sysfs.
     explicit EnergyMeter(const std::string& sys = "/sys");
-    ~EnergyMeter();
-    EnergyMeter(const EnergyMeter&) = delete;
-    EnergyMeter& operator=(const EnergyMeter&) = delete;
 
     // Joules since the last call, which was `seconds` ago. Nothing when it cannot be told.
     std::optional<double> joulesSince(double seconds);
 
 private:
     struct Package {
-        int energy = -1; // descriptor, microjoules
+        Descriptor energy; // microjoules
         std::uint64_t range = 0;
         std::optional<std::uint64_t> last;
     };
     struct Battery {
-        int status = -1, power = -1, current = -1, voltage = -1;
+        Descriptor status, power, current, voltage;
     };
     std::optional<double> packageJoules();
     std::optional<double> dischargeWatts() const;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/Folders.h"
 
+#include "linux/base/Words.h"
+
 #include <cstdlib>
 #include <pwd.h>
 #include <unistd.h>
@@ -28,11 +30,27 @@ std::optional<std::string> environmentVariable(std::string_view name) {
 }
 
 Folders Folders::find(const EnvironmentLookup& environment) {
-    const auto folder = [&](std::string_view variable, std::string_view inHome) {
-        const auto base = environment(variable);
-        return (isAbsolute(base) ? *base : homeFolder(environment) + std::string(inHome)) + "/kivo";
+    const auto own = [&](std::string_view variable, std::string_view inHome) {
+        const auto folder = environment(variable);
+        return isAbsolute(folder) ? *folder : homeFolder(environment) + std::string(inHome);
     };
-    return {folder("XDG_CONFIG_HOME", "/.config"), folder("XDG_DATA_HOME", "/.local/share")};
+    const auto shared = [&](std::string_view variable, const char* usual) {
+        const auto path = environment(variable).value_or(usual);
+        std::vector<std::string> folders;
+        for (const auto folder : split(path, ':')) {
+            if (folder.starts_with('/'))
+                folders.emplace_back(folder);
+        }
+        return folders;
+    };
+    Folders result;
+    result.userConfiguration = own("XDG_CONFIG_HOME", "/.config");
+    result.userData = own("XDG_DATA_HOME", "/.local/share");
+    result.systemConfiguration = shared("XDG_CONFIG_DIRS", "/etc/xdg");
+    result.systemData = shared("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
+    result.configuration = result.userConfiguration + "/kivo";
+    result.data = result.userData + "/kivo";
+    return result;
 }
 
 } // namespace kivo

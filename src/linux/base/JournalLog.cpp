@@ -19,19 +19,17 @@ bool isJournalStream(int descriptor, const std::optional<std::string>& stream) {
            *stream == std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
 }
 
-int connectTo(const std::string& path) {
+Descriptor connectTo(const std::string& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path)
-        return -1;
+        return Descriptor();
     std::memcpy(address.sun_path, path.c_str(), path.size());
-    const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (descriptor >= 0 &&
-        connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        close(descriptor);
-        return -1;
-    }
-    return descriptor;
+    Descriptor connection(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (connection &&
+        connect(connection.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        connection.reset();
+    return connection;
 }
 
 // The journal's own form: "NAME=value", or for a value of several lines its length in 64 bits before it.
@@ -85,15 +83,10 @@ JournalLog::JournalLog(const EnvironmentLookup& environment, const Places& place
         journal_ = connectTo(places.journalSocket);
 }
 
-JournalLog::~JournalLog() {
-    if (journal_ >= 0)
-        close(journal_);
-}
-
 void JournalLog::log(LogLevel level, std::string_view category, std::string_view message) {
     if (level == LogLevel::debug && !showsDebug_)
         return;
-    if (journal_ >= 0 && sendToJournal(level, category, message))
+    if (journal_ && sendToJournal(level, category, message))
         return;
     std::string line = "kivo ";
     addPrintable(line, category);
@@ -112,7 +105,7 @@ bool JournalLog::sendToJournal(LogLevel level, std::string_view category, std::s
     addField(datagram, "PRIORITY", priority(level));
     addField(datagram, "SYSLOG_IDENTIFIER", "kivo");
     addField(datagram, "KIVO_CATEGORY", category);
-    return send(journal_, datagram.data(), datagram.size(), MSG_NOSIGNAL) >= 0;
+    return send(journal_.get(), datagram.data(), datagram.size(), MSG_NOSIGNAL) >= 0;
 }
 
 } // namespace kivo

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/base/Descriptor.h"
 #include "linux/base/Folders.h"
 #include "support/Log.h"
 
@@ -20,9 +21,6 @@ public:
     explicit JournalLog(const EnvironmentLookup& environment = environmentVariable)
         : JournalLog(environment, Places()) {}
     JournalLog(const EnvironmentLookup& environment, const Places& places);
-    ~JournalLog() override;
-    JournalLog(const JournalLog&) = delete;
-    JournalLog& operator=(const JournalLog&) = delete;
 
     void log(LogLevel level, std::string_view category, std::string_view message) override;
 
@@ -30,7 +28,7 @@ private:
     bool sendToJournal(LogLevel level, std::string_view category, std::string_view message) const;
 
     int standardError_;
-    int journal_ = -1;
+    Descriptor journal_; // its socket, when standard error is the journal
     bool showsDebug_;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/KernelSupplies.h"
 
+#include "linux/base/Descriptor.h"
+
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
@@ -12,12 +14,9 @@ namespace {
 constexpr std::size_t attributeSize = 4096;
 
 std::optional<std::string> readAttribute(int folder, const char* name) {
-    const int descriptor = openat(folder, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0)
-        return std::nullopt;
+    const Descriptor file(openat(folder, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     char buffer[attributeSize];
-    const ssize_t size = read(descriptor, buffer, sizeof buffer);
-    close(descriptor);
+    const ssize_t size = file ? read(file.get(), buffer, sizeof buffer) : -1;
     if (size < 0)
         return std::nullopt;
     return std::string(buffer, static_cast<std::size_t>(size));
@@ -25,15 +24,14 @@ std::optional<std::string> readAttribute(int folder, const char* name) {
 
 KernelAttributes readAttributes(const std::filesystem::path& path) {
     KernelAttributes attributes;
-    const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0)
+    const Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder)
         return attributes;
     for (const auto name : kernelAttributeNames()) {
         const std::string key(name);
-        if (auto value = readAttribute(folder, key.c_str()))
+        if (auto value = readAttribute(folder.get(), key.c_str()))
             attributes.emplace(key, std::move(*value));
     }
-    close(folder);
     return attributes;
 }
 

@@ -43,11 +43,6 @@ std::int32_t pidOf(const char* name) {
 
 LinuxProcesses::LinuxProcesses(const MainLoop& loop) : loop_(loop) {}
 
-LinuxProcesses::~LinuxProcesses() {
-    if (proc_ >= 0)
-        close(proc_);
-}
-
 std::int64_t LinuxProcesses::listAndRead(std::size_t capacity, std::vector<Usage>& readings) {
     const std::lock_guard lock(mutex_);
     readings.clear();
@@ -69,9 +64,9 @@ std::int64_t LinuxProcesses::listAndRead(std::size_t capacity, std::vector<Usage
 
 // Reads the clocks of everything listed into `processes_` and `used_`.
 bool LinuxProcesses::list(std::size_t capacity) {
-    if (proc_ < 0)
-        proc_ = open("/proc", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (proc_ < 0 || lseek(proc_, 0, SEEK_SET) != 0)
+    if (!proc_)
+        proc_ = Descriptor(open("/proc", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!proc_ || lseek(proc_.get(), 0, SEEK_SET) != 0)
         return false;
     buffer_.resize(listingBuffer);
     std::swap(processes_, previous_);
@@ -81,7 +76,7 @@ bool LinuxProcesses::list(std::size_t capacity) {
     next_ = asked_ = 0;
     lastListingTick_ = std::exchange(listingTick_, currentTick());
     while (true) {
-        const auto length = syscall(SYS_getdents64, proc_, buffer_.data(), buffer_.size());
+        const auto length = syscall(SYS_getdents64, proc_.get(), buffer_.data(), buffer_.size());
         if (length <= 0)
             break;
         for (long position = 0; position < length;) {

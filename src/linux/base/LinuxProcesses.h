@@ -2,6 +2,7 @@
 #pragma once
 
 #include "linux/base/CpuEnergyRate.h"
+#include "linux/base/Descriptor.h"
 #include "linux/base/EnergyMeter.h"
 #include "linux/base/ProcessOwners.h"
 #include "platform/Processes.h"
@@ -23,7 +24,6 @@ namespace kivo {
 class LinuxProcesses final : public Processes, public RunningApplications {
 public:
     explicit LinuxProcesses(const MainLoop& loop);
-    ~LinuxProcesses() override;
 
     std::int64_t listAndRead(std::size_t capacity, std::vector<Usage>& readings) override;
     bool resolveResponsible() override { return true; }
@@ -56,7 +56,7 @@ private:
 
     const MainLoop& loop_;
     std::mutex mutex_;
-    int proc_ = -1;
+    Descriptor proc_; // the folder /proc
     std::vector<char> buffer_;
     std::int64_t listed_ = 0;
     std::vector<Process> processes_, previous_; // by pid

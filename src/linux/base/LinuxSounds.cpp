@@ -60,8 +60,8 @@ void LinuxSounds::give(Order order) {
     // The thread before this one has left its loop.
     if (thread_.joinable())
         thread_.join();
-    isRunning_ = true;
     thread_ = std::thread([this] { run(); });
+    isRunning_ = true;
 }
 
 std::optional<LinuxSounds::Order> LinuxSounds::takeOrder() {

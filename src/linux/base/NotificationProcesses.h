@@ -3,9 +3,7 @@
 
 #include "linux/base/AccessibleTree.h"
 
-#include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
 
 namespace kivo {
@@ -18,8 +16,5 @@ struct NotificationProcess {
 
 // The program of that name, when it is one; nothing for every other program.
 std::optional<NotificationProcess> notificationProcess(std::string_view program);
-
-// The name of a process's program file, also after it was replaced on the disk; empty when it cannot be known.
-std::string programOfProcess(std::int32_t pid);
 
 } // namespace kivo

@@ -3,6 +3,7 @@
 
 #include "linux/base/NotifyrcText.h"
 #include "linux/base/WholeFile.h"
+#include "linux/base/Words.h"
 #include "support/UTF8.h"
 
 #include <cerrno>
@@ -18,23 +19,6 @@ constexpr std::string_view popUp = "Popup";
 // What the desktop's own settings write where nothing is to happen.
 constexpr std::string_view nothing = "None";
 
-std::vector<std::string> split(std::string_view text, char separator) {
-    std::vector<std::string> parts;
-    while (true) {
-        const auto end = text.find(separator);
-        parts.emplace_back(text.substr(0, end));
-        if (end == std::string_view::npos)
-            return parts;
-        text.remove_prefix(end + 1);
-    }
-}
-
-// The folders of a search path; its default where it is not set.
-std::vector<std::string> folders(const EnvironmentLookup& environment, std::string_view variable,
-                                 std::string_view usual) {
-    return split(environment(variable).value_or(std::string(usual)), ':');
-}
-
 std::string textOf(const PropertyValue& value) {
     const std::string* text = value.string();
     return text ? *text : std::string();
@@ -43,17 +27,15 @@ std::string textOf(const PropertyValue& value) {
 } // namespace
 
 NotifyrcSwitch::NotifyrcSwitch(const EnvironmentLookup& environment) {
-    const auto parent = [](const std::string& folder) { return folder.substr(0, folder.rfind('/') + 1); };
-    const Folders own = Folders::find(environment);
-    path_ = parent(own.configuration) + std::string(file);
-    for (const auto& folder : folders(environment, "XDG_CONFIG_DIRS", "/etc/xdg"))
+    const Folders places = Folders::find(environment);
+    path_ = places.userConfiguration + "/" + std::string(file);
+    for (const auto& folder : places.systemConfiguration)
         systemFiles_.push_back(folder + "/" + std::string(file));
     administratorFiles_ = systemFiles_.size();
-    std::vector<std::string> data{parent(own.data)};
-    for (const auto& folder : folders(environment, "XDG_DATA_DIRS", "/usr/local/share:/usr/share"))
-        data.push_back(folder + "/");
+    std::vector<std::string> data{places.userData};
+    data.insert(data.end(), places.systemData.begin(), places.systemData.end());
     for (const auto& folder : data)
-        for (const auto* generation : {"knotifications6/", "knotifications5/"})
+        for (const auto* generation : {"/knotifications6/", "/knotifications5/"})
             systemFiles_.push_back(folder + generation + std::string(file));
 }
 
@@ -90,10 +72,11 @@ PropertyValue NotifyrcSwitch::silenced(const PropertyValue& value) {
         named = defaultActions();
     std::string rest;
     bool hasPopUp = false;
-    for (const auto& action : split(named.value_or(""), '|')) {
+    const std::string list = named.value_or("");
+    for (const auto action : split(list, '|')) {
         hasPopUp = hasPopUp || action == popUp;
         if (action != popUp && !action.empty())
-            rest += (rest.empty() ? "" : "|") + action;
+            rest.append(rest.empty() ? "" : "|").append(action);
     }
     if (!hasPopUp)
         return value;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/NotifyrcText.h"
 
+#include "linux/base/Words.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -17,13 +19,6 @@ struct Line {
     std::string_view value;
     bool isInGroup = false;
 };
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    const auto start = text.find_first_not_of(blanks);
-    return start == std::string_view::npos ? std::string_view()
-                                           : text.substr(start, text.find_last_not_of(blanks) + 1 - start);
-}
 
 Line parsed(std::string_view text) {
     Line line{.text = text};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/ProcessOwners.h"
 
+#include "linux/base/Descriptor.h"
 #include "linux/base/UnitName.h"
 
 #include <algorithm>
@@ -54,28 +55,18 @@ bool isShell(std::string_view name) {
 // A small file of a process; nothing when the process is gone or the file is not for this user.
 std::optional<std::string> processFile(const std::string& proc, std::int32_t pid, const char* name) {
     const std::string path = proc + "/" + std::to_string(pid) + "/" + name;
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return std::nullopt;
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     char buffer[4096];
-    const auto length = read(descriptor, buffer, sizeof buffer);
-    close(descriptor);
+    const auto length = file ? read(file.get(), buffer, sizeof buffer) : -1;
     if (length < 0)
         return std::nullopt;
     return std::string(buffer, static_cast<std::size_t>(length));
 }
 
-// The file name of its program; of other users' processes only the short name can be read.
-std::string executableName(const std::string& proc, std::int32_t pid) {
-    char target[PATH_MAX];
-    const std::string path = proc + "/" + std::to_string(pid) + "/exe";
-    const auto length = readlink(path.c_str(), target, sizeof target);
-    if (length <= 0)
-        return commandName(pid, proc).value_or("");
-    std::string_view program(target, static_cast<std::size_t>(length));
-    if (program.ends_with(" (deleted)"))
-        program.remove_suffix(10);
-    return std::string(program.substr(program.rfind('/') + 1));
+// The name of its program; of other users' processes only the short name can be read.
+std::string nameOf(const std::string& proc, std::int32_t pid) {
+    auto program = programOfProcess(pid, proc);
+    return program.empty() ? commandName(pid, proc).value_or("") : program;
 }
 
 } // namespace
@@ -99,7 +90,7 @@ ProcessOwners::Owner ProcessOwners::find(std::int32_t pid, const Known& known, i
     if (stat->flags & kernelThreadFlag)
         return add(Kind::kernel, "kernel",
                    {.pid = 0, .localizedName = "kernel", .bundleIdentifier = {}, .bundlePath = {}});
-    if (const auto* entry = entries_.withExecutable(executableName(proc_, pid)))
+    if (const auto* entry = entries_.withExecutable(nameOf(proc_, pid)))
         return entryOwner(*entry);
     return stat->parent > 1 && depth < deepestAncestor ? ofParent(stat->parent, known, depth) : itself;
 }
@@ -166,6 +157,18 @@ std::uint64_t currentTick() {
     const auto perSecond = static_cast<std::uint64_t>(sysconf(_SC_CLK_TCK));
     return static_cast<std::uint64_t>(now.tv_sec) * perSecond +
            static_cast<std::uint64_t>(now.tv_nsec) / (1'000'000'000 / perSecond);
+}
+
+std::string programOfProcess(std::int32_t pid, const std::string& proc) {
+    char target[PATH_MAX];
+    const auto length = readlink((proc + "/" + std::to_string(pid) + "/exe").c_str(), target, sizeof target);
+    if (length <= 0)
+        return {};
+    std::string_view path(target, static_cast<std::size_t>(length));
+    constexpr std::string_view replaced = " (deleted)";
+    if (path.ends_with(replaced))
+        path.remove_suffix(replaced.size());
+    return std::string(path.substr(path.rfind('/') + 1));
 }
 
 } // namespace kivo

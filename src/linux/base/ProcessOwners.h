@@ -53,6 +53,10 @@ private:
 // The kernel's short name; nothing when the process is gone.
 std::optional<std::string> commandName(std::int32_t pid, const std::string& proc = "/proc");
 
+// The name of a process's program file, also after it was replaced on the disk; empty when it cannot be known,
+// as of other users' processes.
+std::string programOfProcess(std::int32_t pid, const std::string& proc = "/proc");
+
 // When the process started, since the computer did (suspended time included), in the kernel's ticks of 10 ms;
 // nothing when the process is gone.
 std::optional<std::uint64_t> startTick(std::int32_t pid, const std::string& proc = "/proc");

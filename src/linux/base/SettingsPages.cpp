@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/SettingsPages.h"
 
+#include "linux/base/Words.h"
 #include "platform/Application.h"
 
 #include <algorithm>
@@ -50,11 +51,6 @@ const std::vector<Row>& rows() {
     return result;
 }
 
-bool names(std::string_view list, std::string_view desktop) {
-    const std::string separated = ":" + std::string(list) + ":";
-    return separated.find(":" + std::string(desktop) + ":") != std::string::npos;
-}
-
 } // namespace
 
 std::optional<SettingsPage> settingsPage(std::string_view url) {
@@ -76,7 +72,8 @@ std::vector<std::string> settingsCommand(SettingsPage page, std::string_view des
                                          const std::function<bool(const std::string&)>& isInstalled) {
     for (const bool isOwn : {true, false})
         for (const auto& row : rows())
-            if (row.page == page && names(desktop, row.desktop) == isOwn && isInstalled(row.command.front()))
+            if (row.page == page && isListed(row.desktop, desktop, ':') == isOwn &&
+                isInstalled(row.command.front()))
                 return row.command;
     return {};
 }

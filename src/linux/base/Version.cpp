@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/Version.h"
 
+#include "linux/base/Words.h"
+
 #include <algorithm>
 
 namespace kivo {
@@ -26,14 +28,8 @@ bool isWord(std::string_view word) {
 }
 
 std::vector<std::string> words(std::string_view text) {
-    std::vector<std::string> result;
-    while (true) {
-        const auto dot = text.find('.');
-        result.emplace_back(text.substr(0, dot));
-        if (dot == text.npos)
-            return result;
-        text.remove_prefix(dot + 1);
-    }
+    const auto parts = split(text, '.');
+    return {parts.begin(), parts.end()};
 }
 
 void dropLeadingZeros(std::string& number) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/WholeFile.h"
 
+#include "linux/base/Descriptor.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -17,25 +19,6 @@
 
 namespace kivo {
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int value = -1) : value_(value) {}
-    Descriptor(Descriptor&& other) noexcept : value_(std::exchange(other.value_, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept {
-        std::swap(value_, other.value_);
-        return *this;
-    }
-    ~Descriptor() {
-        if (value_ >= 0)
-            close(value_);
-    }
-    int get() const { return value_; }
-    explicit operator bool() const { return value_ >= 0; }
-
-private:
-    int value_;
-};
 
 std::string failure(const std::string& path) {
     return path + ": " + std::strerror(errno);

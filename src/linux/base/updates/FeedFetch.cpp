@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/updates/FeedFetch.h"
 
+#include "linux/base/Descriptor.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -61,14 +63,12 @@ FeedFetch drain(int source, std::size_t largest, int deadlineSeconds) {
 }
 
 FeedFetch readFile(const std::string& path, std::size_t largest, int deadlineSeconds) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
-    if (file < 0 || fstat(file, &status) != 0)
+    if (!file || fstat(file.get(), &status) != 0)
         return {State::unreachable, {}, path + ": " + std::strerror(errno)};
-    auto result = S_ISREG(status.st_mode) ? drain(file, largest, deadlineSeconds)
-                                          : FeedFetch{State::refused, {}, path + " is not a file"};
-    close(file);
-    return result;
+    return S_ISREG(status.st_mode) ? drain(file.get(), largest, deadlineSeconds)
+                                   : FeedFetch{State::refused, {}, path + " is not a file"};
 }
 
 std::vector<std::string> curl(const std::string& address, FeedWay way, int deadlineSeconds) {
@@ -116,20 +116,18 @@ std::string complaint(int errors, int status) {
 
 FeedFetch download(const std::string& address, FeedWay way, std::size_t largest, int deadlineSeconds) {
     int ends[2];
-    const int errors = memfd_create("curl", MFD_CLOEXEC);
-    if (errors < 0 || pipe2(ends, O_CLOEXEC) != 0)
+    const Descriptor errors(memfd_create("curl", MFD_CLOEXEC));
+    if (!errors || pipe2(ends, O_CLOEXEC) != 0)
         return {State::unreachable, {}, std::strerror(errno)};
-    const pid_t child = start(curl(address, way, deadlineSeconds), ends[1], errors);
-    const int startError = errno;
-    close(ends[1]);
-    if (child < 0) {
-        close(ends[0]);
-        close(errors);
-        return {State::unreachable, {}, std::string("curl cannot be run: ") + std::strerror(startError)};
-    }
+    Descriptor output(ends[0]);
+    Descriptor input(ends[1]);
+    const pid_t child = start(curl(address, way, deadlineSeconds), input.get(), errors.get());
+    if (child < 0)
+        return {State::unreachable, {}, std::string("curl cannot be run: ") + std::strerror(errno)};
+    input.reset();
     // curl keeps the time itself; a second more, for it to say so.
-    FeedFetch result = drain(ends[0], largest, deadlineSeconds + 1);
-    close(ends[0]);
+    FeedFetch result = drain(output.get(), largest, deadlineSeconds + 1);
+    output.reset();
     if (result.state != State::read)
         kill(child, SIGKILL);
     int status = 0;
@@ -139,8 +137,7 @@ FeedFetch download(const std::string& address, FeedWay way, std::size_t largest,
     const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     if (result.state == State::read && code != 0)
         result = code == timedOut ? tooSlow(deadlineSeconds)
-                                  : FeedFetch{State::unreachable, {}, complaint(errors, code)};
-    close(errors);
+                                  : FeedFetch{State::unreachable, {}, complaint(errors.get(), code)};
     return result;
 }
 
