@@ -17,7 +17,6 @@ using ManagedObjects = QMap<QDBusObjectPath, Interfaces>;
 const QString serviceName = QStringLiteral("org.bluez");
 const QString rootPath = QStringLiteral("/");
 const QString managerInterface = QStringLiteral("org.freedesktop.DBus.ObjectManager");
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString deviceInterface = QStringLiteral("org.bluez.Device1");
 const QString batteryInterface = QStringLiteral("org.bluez.Battery1");
 

@@ -37,7 +37,7 @@ PropertyValue valueFrom(const QVariant& variant) {
 } // namespace
 
 void callBus(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
-             std::function<void(const QDBusMessage&)> done) {
+             std::function<void(const QDBusMessage&)> done, int timeout) {
     if (!done) {
         bus.send(call);
         return;
@@ -50,7 +50,7 @@ void callBus(const QDBusConnection& bus, const QDBusMessage& call, QObject* cont
             context, [done = std::move(done), error] { done(error); }, Qt::QueuedConnection);
         return;
     }
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), context);
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, timeout), context);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
                      [done = std::move(done)](QDBusPendingCallWatcher* finished) {
                          finished->deleteLater();
@@ -64,6 +64,10 @@ QDBusMessage busCall(const QString& method, const QVariantList& arguments) {
                                                QStringLiteral("org.freedesktop.DBus"), method);
     call.setArguments(arguments);
     return call;
+}
+
+QString busText(std::string_view utf8) {
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
 QVariant unwrapped(QVariant value) {

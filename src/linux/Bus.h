@@ -6,19 +6,28 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
+#include <QString>
 #include <QVariantMap>
 
 #include <functional>
+#include <string_view>
 
 namespace kivo {
 
 // Sends a method call and returns at once. `done` gets the reply or the error later on the main thread, also
 // when there is no bus at all; it is not called once `context` is gone. Without `done` the answer is ignored.
+// No answer within the timeout (milliseconds, -1 for Qt's 25 s) is an error.
 void callBus(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
-             std::function<void(const QDBusMessage& reply)> done);
+             std::function<void(const QDBusMessage& reply)> done, int timeout = -1);
 
 // Asks the bus itself, for example "NameHasOwner".
 QDBusMessage busCall(const QString& method, const QVariantList& arguments);
+
+// The interface of every object's properties.
+inline const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+// UTF-8 as the bus's binding takes it.
+QString busText(std::string_view utf8);
 
 // What a value of type `v`, however deeply wrapped, holds.
 QVariant unwrapped(QVariant value);

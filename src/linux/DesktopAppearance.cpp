@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "linux/DesktopAppearance.h"
 
-#include "linux/Bus.h"
-
 #include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusVariant>
-#include <QVariantMap>
 
 #include <array>
+#include <utility>
 
 namespace kivo {
 namespace {
-
-const QString portal = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString portalSettings = QStringLiteral("org.freedesktop.portal.Settings");
-const QString appearance = QStringLiteral("org.freedesktop.appearance");
 
 std::optional<bool> darkness(const QVariant& scheme) {
     switch (scheme.toUInt()) {
@@ -52,40 +43,16 @@ std::optional<QColor> color(const QVariant& value) {
 } // namespace
 
 DesktopAppearance::DesktopAppearance(const QDBusConnection& session)
-    : bus_(session), watcher_(portal, session, QDBusServiceWatcher::WatchForRegistration) {
-    connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { readPortal(); });
-    bus_.connect(portal, portalPath, portalSettings, QStringLiteral("SettingChanged"), this,
-                 SLOT(settingChanged(QDBusMessage)));
-    readPortal();
+    : portal_(session, {QStringLiteral("org.freedesktop.appearance")}) {
+    portal_.onSetting = [this](const QString&, const QString& key, const QVariant& value) { take(key, value); };
 }
 
-void DesktopAppearance::readPortal() {
-    auto call = QDBusMessage::createMethodCall(portal, portalPath, portalSettings, QStringLiteral("ReadAll"));
-    call.setArguments({QStringList{appearance}});
-    callBus(bus_, call, this, [this](const QDBusMessage& reply) {
-        if (reply.type() == QDBusMessage::ErrorMessage)
-            return;
-        const auto groups = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().value(0));
-        for (auto group = groups.begin(); group != groups.end(); ++group)
-            for (auto entry = group->begin(); entry != group->end(); ++entry)
-                take(group.key(), entry.key(), entry.value());
-    });
-}
-
-void DesktopAppearance::settingChanged(const QDBusMessage& message) {
-    const auto arguments = message.arguments();
-    take(arguments.value(0).toString(), arguments.value(1).toString(),
-         qdbus_cast<QDBusVariant>(arguments.value(2)).variant());
-}
-
-void DesktopAppearance::take(const QString& group, const QString& key, const QVariant& value) {
-    if (group != appearance)
-        return;
+void DesktopAppearance::take(const QString& key, const QVariant& value) {
     const auto before = std::pair(isDark_, accent_);
     if (key == QLatin1String("color-scheme"))
-        isDark_ = darkness(unwrapped(value));
+        isDark_ = darkness(value);
     else if (key == QLatin1String("accent-color"))
-        accent_ = color(unwrapped(value));
+        accent_ = color(value);
     if (std::pair(isDark_, accent_) != before && onChange)
         onChange();
 }

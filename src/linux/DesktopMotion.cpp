@@ -1,22 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "linux/DesktopMotion.h"
 
-#include "linux/Bus.h"
-
-#include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
-#include <QVariantMap>
 
 namespace kivo {
 namespace {
-
-const QString portal = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString portalSettings = QStringLiteral("org.freedesktop.portal.Settings");
 
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
 const QString gnome = QStringLiteral("org.gnome.desktop.interface");
@@ -27,12 +17,11 @@ const QString durationFactor = QStringLiteral("AnimationDurationFactor");
 
 } // namespace
 
-DesktopMotion::DesktopMotion(const QDBusConnection& session)
-    : bus_(session), watcher_(portal, session, QDBusServiceWatcher::WatchForRegistration) {
-    connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { readPortal(); });
-    bus_.connect(portal, portalPath, portalSettings, QStringLiteral("SettingChanged"), this,
-                 SLOT(settingChanged(QDBusMessage)));
-    readPortal();
+DesktopMotion::DesktopMotion(const QDBusConnection& session) : portal_(session, {appearance, gnome, kde}) {
+    portal_.onSetting = [this](const QString& group, const QString& key, const QVariant& value) {
+        take(group, key, value);
+    };
+    portal_.onAbsent = [this] { readDesktopSettings(); };
 }
 
 bool DesktopMotion::isReduced() const {
@@ -46,19 +35,6 @@ bool DesktopMotion::isReduced() const {
     const double duration = factor.toDouble(&isNumber);
     return value(appearance, reducedMotion).toUInt() == 1 || (animations.isValid() && !animations.toBool()) ||
            (isNumber && duration <= 0);
-}
-
-void DesktopMotion::readPortal() {
-    auto call = QDBusMessage::createMethodCall(portal, portalPath, portalSettings, QStringLiteral("ReadAll"));
-    call.setArguments({QStringList{appearance, gnome, kde}});
-    callBus(bus_, call, this, [this](const QDBusMessage& reply) {
-        if (reply.type() == QDBusMessage::ErrorMessage)
-            return readDesktopSettings();
-        const auto groups = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().value(0));
-        for (auto group = groups.begin(); group != groups.end(); ++group)
-            for (auto entry = group->begin(); entry != group->end(); ++entry)
-                take(group.key(), entry.key(), entry.value());
-    });
 }
 
 void DesktopMotion::readDesktopSettings() {
@@ -80,15 +56,9 @@ void DesktopMotion::readDesktopSettings() {
     process->start(gsettings, {QStringLiteral("get"), gnome, enableAnimations});
 }
 
-void DesktopMotion::settingChanged(const QDBusMessage& message) {
-    const auto arguments = message.arguments();
-    take(arguments.value(0).toString(), arguments.value(1).toString(),
-         qdbus_cast<QDBusVariant>(arguments.value(2)).variant());
-}
-
 void DesktopMotion::take(const QString& group, const QString& key, const QVariant& value) {
     if (key == reducedMotion || key == enableAnimations || key == durationFactor)
-        values_[{group, key}] = unwrapped(value);
+        values_[{group, key}] = value;
 }
 
 } // namespace kivo

@@ -15,10 +15,6 @@ namespace {
 const QString service = QStringLiteral("org.freedesktop.Notifications");
 const QString path = QStringLiteral("/org/freedesktop/Notifications");
 
-QString text(std::string_view utf8) {
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
-
 QDBusMessage call(const QString& method) {
     return QDBusMessage::createMethodCall(service, path, service, method);
 }
@@ -142,10 +138,10 @@ QVariantList LinuxNotificationCenter::arguments(const NotificationRequest& reque
     const auto has = [this](const char* capability) {
         return capabilities_ && capabilities_->contains(QLatin1String(capability));
     };
-    const QString application = text(applicationIdentifier);
+    const QString application = busText(applicationIdentifier);
     const auto shown = shown_.find(request.identifier);
     const uint replaced = shown == shown_.end() ? 0 : shown->second;
-    const QString body = text(request.body);
+    const QString body = busText(request.body);
 
     QVariantMap hints{{QStringLiteral("desktop-entry"), application},
                       {QStringLiteral("urgency"), QVariant::fromValue<uchar>(1)},
@@ -153,11 +149,11 @@ QVariantList LinuxNotificationCenter::arguments(const NotificationRequest& reque
                       {QStringLiteral("suppress-sound"), true}};
     for (const char* slot : {"x-canonical-private-synchronous", "x-dunst-stack-tag"})
         if (has(slot))
-            hints.insert(QLatin1String(slot), text(request.identifier));
+            hints.insert(QLatin1String(slot), busText(request.identifier));
     return {QStringLiteral("Kivo"),
             replaced,
             application,
-            text(request.title),
+            busText(request.title),
             has("body-markup") ? body.toHtmlEscaped() : body,
             QStringList(),
             hints,

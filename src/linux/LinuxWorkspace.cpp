@@ -18,7 +18,6 @@ namespace {
 
 const QString hostname = QStringLiteral("org.freedesktop.hostname1");
 const QString hostnamePath = QStringLiteral("/org/freedesktop/hostname1");
-const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString prettyHostname = QStringLiteral("PrettyHostname");
 
 bool isInstalled(const std::string& program) {
@@ -29,13 +28,14 @@ bool isInstalled(const std::string& program) {
 
 LinuxWorkspace::LinuxWorkspace(const QDBusConnection& session, const QDBusConnection& system, LogSink& log)
     : system_(system), logger_(log, "workspace"), motion_(session) {
-    system_.connect(hostname, hostnamePath, properties, QStringLiteral("PropertiesChanged"), this,
+    system_.connect(hostname, hostnamePath, propertiesInterface, QStringLiteral("PropertiesChanged"), this,
                     SLOT(hostnameChanged(QString, QVariantMap, QStringList)));
     askName();
 }
 
 void LinuxWorkspace::askName() {
-    auto call = QDBusMessage::createMethodCall(hostname, hostnamePath, properties, QStringLiteral("Get"));
+    auto call =
+        QDBusMessage::createMethodCall(hostname, hostnamePath, propertiesInterface, QStringLiteral("Get"));
     call.setArguments({hostname, prettyHostname});
     callBus(system_, call, this, [this](const QDBusMessage& reply) {
         if (reply.type() != QDBusMessage::ErrorMessage)

@@ -10,7 +10,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString activeProfile = QStringLiteral("ActiveProfile");
 
 constexpr Duration restartPatience = 3s;

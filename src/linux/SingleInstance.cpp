@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/SingleInstance.h"
 
+#include "linux/Bus.h"
 #include "platform/Application.h"
 
 #include <QDBusConnectionInterface>
@@ -13,10 +14,6 @@ namespace {
 
 constexpr int askMilliseconds = 2000;
 const QString interfaceName = QStringLiteral("org.freedesktop.Application");
-
-QString text(std::string_view value) {
-    return QString::fromUtf8(value.data(), static_cast<qsizetype>(value.size()));
-}
 
 } // namespace
 
@@ -54,21 +51,21 @@ SingleInstance::SingleInstance(const QDBusConnection& bus) : bus_(bus) {
     }
     // The object is there before the name: whoever sees the name can ask.
     service_ = std::make_unique<Service>(*this);
-    bus_.registerVirtualObject(text(applicationObjectPath), service_.get());
-    isFirst_ = bus_.registerService(text(applicationIdentifier));
+    bus_.registerVirtualObject(busText(applicationObjectPath), service_.get());
+    isFirst_ = bus_.registerService(busText(applicationIdentifier));
 }
 
 SingleInstance::~SingleInstance() {
     if (!service_)
         return;
-    bus_.unregisterObject(text(applicationObjectPath));
+    bus_.unregisterObject(busText(applicationObjectPath));
     if (isFirst_)
-        bus_.unregisterService(text(applicationIdentifier));
+        bus_.unregisterService(busText(applicationIdentifier));
 }
 
 bool SingleInstance::ask(const QString& action) const {
     auto call = QDBusMessage::createMethodCall(
-        text(applicationIdentifier), text(applicationObjectPath), interfaceName,
+        busText(applicationIdentifier), busText(applicationObjectPath), interfaceName,
         action.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("ActivateAction"));
     if (!action.isEmpty())
         call << action << QVariantList();

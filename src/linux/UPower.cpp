@@ -15,7 +15,6 @@ const QString serviceName = QStringLiteral("org.freedesktop.UPower");
 const QString managerPath = QStringLiteral("/org/freedesktop/UPower");
 const QString managerInterface = QStringLiteral("org.freedesktop.UPower");
 const QString deviceInterface = QStringLiteral("org.freedesktop.UPower.Device");
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString displayDevicePath = QStringLiteral("/org/freedesktop/UPower/devices/DisplayDevice");
 
 constexpr Duration retryDelay = 30s;
