@@ -98,8 +98,10 @@ QVariant NotifierMenu::layout(int id, int depth) const {
 
 QVariant NotifierMenu::groupProperties(const QList<int>& ids) const {
     QList<NotifierMenuEntry> group;
-    // Nobody asks for less than all: so few do not need choosing.
     for (int id : ids)
+        group << NotifierMenuEntry{id, entryProperties(id)};
+    // No numbers stand for all entries.
+    for (int id = 0; ids.isEmpty() && id <= static_cast<int>(entries_.size()); ++id)
         group << NotifierMenuEntry{id, entryProperties(id)};
     return QVariant::fromValue(group);
 }
@@ -111,22 +113,42 @@ void NotifierMenu::handleEvent(int id, const QString& name) {
         act();
 }
 
+void NotifierMenu::handleEvents(const QDBusArgument& events) {
+    events.beginArray();
+    while (!events.atEnd()) {
+        int id = 0;
+        QString name;
+        QDBusVariant data;
+        unsigned time = 0;
+        events.beginStructure();
+        events >> id >> name >> data >> time;
+        events.endStructure();
+        handleEvent(id, name);
+    }
+    events.endArray();
+}
+
+bool NotifierMenu::handleProperties(const QDBusMessage& message, const QDBusConnection& connection) {
+    if (message.member() == QLatin1String("Get")) {
+        const QString name = message.arguments().value(1).toString();
+        return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(menuProperty(name)))));
+    }
+    if (message.member() != QLatin1String("GetAll"))
+        return false;
+    QVariantMap all;
+    for (const char* name : {"Version", "TextDirection", "Status", "IconThemePath"})
+        all[QLatin1String(name)] = menuProperty(QLatin1String(name));
+    return connection.send(message.createReply(all));
+}
+
 bool NotifierMenu::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
     const QString member = message.member();
     const QVariantList arguments = message.arguments();
     const auto answer = [&](const QVariantList& values) {
         return connection.send(message.createReply(values));
     };
-    if (message.interface() == QLatin1String("org.freedesktop.DBus.Properties")) {
-        if (member == QLatin1String("Get"))
-            return answer({QVariant::fromValue(QDBusVariant(menuProperty(arguments.value(1).toString())))});
-        if (member != QLatin1String("GetAll"))
-            return false;
-        QVariantMap all;
-        for (const char* name : {"Version", "TextDirection", "Status", "IconThemePath"})
-            all[QLatin1String(name)] = menuProperty(QLatin1String(name));
-        return answer({all});
-    }
+    if (message.interface() == QLatin1String("org.freedesktop.DBus.Properties"))
+        return handleProperties(message, connection);
     if (message.interface() != interfaceName)
         return false;
     if (member == QLatin1String("GetLayout"))
@@ -146,22 +168,11 @@ bool NotifierMenu::handleMessage(const QDBusMessage& message, const QDBusConnect
         handleEvent(arguments.value(0).toInt(), arguments.value(1).toString());
         return true;
     }
-    if (member != QLatin1String("EventGroup"))
+    // Of another form it could be read without end.
+    if (member != QLatin1String("EventGroup") || message.signature() != QLatin1String("a(isvu)"))
         return false;
     answer({QVariant::fromValue(QList<int>())});
-    const auto events = arguments.value(0).value<QDBusArgument>();
-    events.beginArray();
-    while (!events.atEnd()) {
-        int id = 0;
-        QString name;
-        QDBusVariant data;
-        unsigned time = 0;
-        events.beginStructure();
-        events >> id >> name >> data >> time;
-        events.endStructure();
-        handleEvent(id, name);
-    }
-    events.endArray();
+    handleEvents(arguments.value(0).value<QDBusArgument>());
     return true;
 }
 

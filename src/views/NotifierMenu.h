@@ -9,6 +9,8 @@
 #include <functional>
 #include <vector>
 
+class QDBusArgument;
+
 namespace kivo {
 
 // A flat menu that a tray draws in its own way (com.canonical.dbusmenu). Its entries never change once they are
@@ -32,7 +34,9 @@ private:
     QVariantMap entryProperties(int id) const;
     QVariant layout(int id, int depth) const;
     QVariant groupProperties(const QList<int>& ids) const;
+    bool handleProperties(const QDBusMessage& message, const QDBusConnection& connection);
     void handleEvent(int id, const QString& name);
+    void handleEvents(const QDBusArgument& events);
 
     std::vector<Entry> entries_; // numbered from 1; 0 is the menu itself
 };
