@@ -6,6 +6,7 @@
 #include "linux/LinuxMachine.h"
 #include "linux/SingleInstance.h"
 #include "linux/base/LinuxTexts.h"
+#include "platform/Application.h"
 #include "platform/Workspace.h"
 #include "views/IntroductionWindow.h"
 #include "views/LayerSurface.h"
@@ -135,6 +136,22 @@ void checkForUpdates(AppCoordinator& coordinator) {
         updater->checkForUpdates();
 }
 
+void perform(const QString& action, AppCoordinator& coordinator, AppWindows& windows) {
+    if (action == testAlertAction)
+        testAlert(coordinator);
+    else if (action == settingsAction)
+        windows.open("settings");
+    else if (action == updatesAction)
+        checkForUpdates(coordinator);
+}
+
+void connectUpdates(UpdatePrompt& prompt, LinuxMachine& machine) {
+    prompt.onOpenPage = [&machine](const std::string& page) { machine.workspace().open(page); };
+    prompt.onSkip = [&machine](const std::string& version) { machine.updates().skip(version); };
+    prompt.onGone = releaseMemory;
+    machine.updates().onFinding = [&prompt](const UpdateFinding& finding) { prompt.show(finding); };
+}
+
 // Where islands show on this computer's display.
 class Islands {
 public:
@@ -192,20 +209,13 @@ int run(QApplication& app, SingleInstance& instance, const QString& firstAction)
     tray.onSettings = [&menu] { menu.perform(FooterControl::Action::settings); };
     tray.onQuit = menu.onQuit;
     instance.onAction = [&](const QString& action) {
-        if (action == testAlertAction)
-            testAlert(coordinator);
-        else if (action == settingsAction)
-            appWindows.open("settings");
-        else if (action == updatesAction)
-            checkForUpdates(coordinator);
-        else if (action.isEmpty())
+        if (action.isEmpty())
             menuWindow.open(tray.iconPlace());
+        else
+            perform(action, coordinator, appWindows);
     };
     UpdatePrompt updates(machine.loop());
-    updates.onOpenPage = [&machine](const std::string& page) { machine.workspace().open(page); };
-    updates.onSkip = [&machine](const std::string& version) { machine.updates().skip(version); };
-    updates.onGone = releaseMemory;
-    machine.updates().onFinding = [&updates](const UpdateFinding& finding) { updates.show(finding); };
+    connectUpdates(updates, machine);
     machine.whenSettled([&] {
         delegate.applicationDidFinishLaunching();
         if (!firstAction.isEmpty())
@@ -259,7 +269,8 @@ int main(int argc, char** argv) {
     installTextCatalogue(linuxTexts());
     catchTermination();
     chooseDisplay();
-    QApplication::setDesktopFileName(QStringLiteral("io.github.kivo.Kivo"));
+    QApplication::setDesktopFileName(
+        QString::fromUtf8(applicationIdentifier.data(), static_cast<qsizetype>(applicationIdentifier.size())));
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kivo"));
     QApplication::setApplicationVersion(QStringLiteral(KIVO_VERSION));

@@ -29,6 +29,43 @@ std::string publishedMessage(const std::vector<PowerDevice>& devices) {
     return formatted("Published %lld batteries: %@", {static_cast<std::int64_t>(devices.size()), list});
 }
 
+// The computer's battery as an alert of this trigger finds it; `current` is how it is now.
+BatterySnapshot sampleSnapshot(const AlertTrigger& trigger, const std::optional<BatterySnapshot>& current) {
+    using Kind = AlertTrigger::Kind;
+    using Source = BatterySnapshot::PowerSource;
+    const std::int64_t threshold = trigger.threshold;
+    if (trigger.kind == Kind::macBelow) {
+        // Any stored threshold counts, so the estimate must not overflow.
+        constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max() / 3;
+        const std::int64_t minutes = std::clamp<std::int64_t>(threshold, 0, largest) * 3;
+        return {.level = threshold,
+                .source = Source::battery,
+                .minutesToEmpty = std::max<std::int64_t>(minutes, 4)};
+    }
+    if (trigger.kind == Kind::macReached) {
+        return {.level = threshold,
+                .source = Source::ac,
+                .isCharging = threshold < 100,
+                .isCharged = threshold >= 100};
+    }
+    BatterySnapshot snapshot =
+        current.value_or(BatterySnapshot{.level = 64, .source = Source::battery, .minutesToEmpty = 200});
+    const bool isPluggedIn = trigger.kind == Kind::pluggedIn;
+    snapshot.source = isPluggedIn ? Source::ac : Source::battery;
+    snapshot.isCharging = isPluggedIn && snapshot.level < 100 && !snapshot.isCharged;
+    return snapshot;
+}
+
+// The first device, or one made up, at that level.
+PowerDevice sampleDevice(const std::vector<PowerDevice>& devices, std::int64_t level, bool isCharging) {
+    PowerDevice device{.id = "preview", .name = "AirPods Pro", .category = PowerDevice::Category::airpodsPro};
+    if (!devices.empty())
+        device = devices.front();
+    device.level = level;
+    device.isCharging = isCharging;
+    return device;
+}
+
 } // namespace
 
 AppCoordinator::AppCoordinator(Machine& machine, SettingsStore& settings)
@@ -150,54 +187,21 @@ void AppCoordinator::test(const AlertRule& rule) {
 
 AlertSubject AppCoordinator::sampleSubject(const AlertTrigger& trigger) {
     using Kind = AlertTrigger::Kind;
-    using Source = BatterySnapshot::PowerSource;
     const auto& devices = devices_.devices().get();
-    const auto sampleDevice = [&devices](std::int64_t level, bool isCharging) {
-        PowerDevice device{
-            .id = "preview", .name = "AirPods Pro", .category = PowerDevice::Category::airpodsPro};
-        if (!devices.empty())
-            device = devices.front();
-        device.level = level;
-        device.isCharging = isCharging;
-        return device;
-    };
-    const auto current = monitor_.snapshot().get().value_or(
-        BatterySnapshot{.level = 64, .source = Source::battery, .minutesToEmpty = 200});
-    const std::int64_t threshold = trigger.threshold;
     switch (trigger.kind) {
-    case Kind::macBelow: {
-        // Any stored threshold counts, so the estimate must not overflow.
-        constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max() / 3;
-        const std::int64_t minutes = std::clamp<std::int64_t>(threshold, 0, largest) * 3;
-        return BatterySnapshot{.level = threshold,
-                               .source = Source::battery,
-                               .minutesToEmpty = std::max<std::int64_t>(minutes, 4)};
-    }
+    case Kind::macBelow:
     case Kind::macReached:
-        return BatterySnapshot{.level = threshold,
-                               .source = Source::ac,
-                               .isCharging = threshold < 100,
-                               .isCharged = threshold >= 100};
-    case Kind::pluggedIn: {
-        BatterySnapshot snapshot = current;
-        snapshot.source = Source::ac;
-        snapshot.isCharging = snapshot.level < 100 && !snapshot.isCharged;
-        return snapshot;
-    }
-    case Kind::unplugged: {
-        BatterySnapshot snapshot = current;
-        snapshot.source = Source::battery;
-        snapshot.isCharging = false;
-        return snapshot;
-    }
+    case Kind::pluggedIn:
+    case Kind::unplugged:
+        return sampleSnapshot(trigger, monitor_.snapshot().get());
     case Kind::deviceBelow:
-        return sampleDevice(threshold, false);
+        return sampleDevice(devices, trigger.threshold, false);
     case Kind::deviceReached:
-        return sampleDevice(threshold, true);
+        return sampleDevice(devices, trigger.threshold, true);
     case Kind::deviceConnected:
         break;
     }
-    return devices.empty() ? sampleDevice(82, false) : devices.front();
+    return devices.empty() ? sampleDevice(devices, 82, false) : devices.front();
 }
 
 const std::string& AppCoordinator::macName() {

@@ -85,6 +85,32 @@ std::string foundText(std::size_t count) {
                      {static_cast<std::int64_t>(count)});
 }
 
+void fillDevices(OnboardingContent& content, const std::vector<PowerDevice>& devices) {
+    content.title = localized("All your batteries, together");
+    for (const auto& device : devices)
+        content.devices.push_back({device.name, std::string(symbol(device))});
+    content.message = foundText(content.devices.size());
+    content.box = OnboardingContent::Box{
+        localized("Have an iPhone or iPad?"),
+        "iphone",
+        {localized("Plug it in with a cable once, unlock it and tap **Trust**."),
+         localized(
+             "In Finder, open your iPhone and turn on **Show this iPhone when on Wi‑Fi**. From then on, no "
+             "cable needed.")}};
+}
+
+void fillDone(OnboardingContent& content, MenuBarStyle style, const std::optional<BatterySnapshot>& battery) {
+    content.title = localized("All set, Kivo has your back");
+    content.message = localized("It lives up top, in your menu bar. Pick how you want to see it there:");
+    content.styles = {{MenuBarStyle::compact, localized("Compact")},
+                      {MenuBarStyle::glyphAndPercent, localized("Icon + %")},
+                      {MenuBarStyle::percentOnly, localized("% only")}};
+    content.stylesTitle = localized("Style");
+    content.selectedStyle = style;
+    content.preview = menuBarLabel(battery.value_or(BatterySnapshot{.level = sampleLevel}), style);
+    content.tip = localized("Tip: in Settings, **Try** shows you any alert right away.");
+}
+
 } // namespace
 
 void Onboarding::next() {
@@ -183,7 +209,7 @@ void Onboarding::fillPage(OnboardingContent& content) const {
             "Kivo lets you know right when it matters: when you plug in, while you charge, and before you "
             "run out. It looks after your AirPods, iPhone and accessories too.");
         break;
-    case OnboardingStep::alerts: {
+    case OnboardingStep::alerts:
         content.title = localized("When do you want to know?");
         content.message =
             localized("The most useful ones are already on. Tweak anything you like, or just keep going.");
@@ -193,19 +219,8 @@ void Onboarding::fillPage(OnboardingContent& content) const {
         content.lowBattery = lowBattery(settings);
         content.trial = OnboardingContent::Trial{localized("See what an alert looks like"), "play.fill"};
         break;
-    }
     case OnboardingStep::devices:
-        content.title = localized("All your batteries, together");
-        for (const auto& device : coordinator_.devices().devices().get())
-            content.devices.push_back({device.name, std::string(symbol(device))});
-        content.message = foundText(content.devices.size());
-        content.box = OnboardingContent::Box{
-            localized("Have an iPhone or iPad?"),
-            "iphone",
-            {localized("Plug it in with a cable once, unlock it and tap **Trust**."),
-             localized(
-                 "In Finder, open your iPhone and turn on **Show this iPhone when on Wi‑Fi**. From then on, no "
-                 "cable needed.")}};
+        fillDevices(content, coordinator_.devices().devices().get());
         break;
     case OnboardingStep::permissions:
         content.title = localized("A few finishing touches");
@@ -215,17 +230,7 @@ void Onboarding::fillPage(OnboardingContent& content) const {
         content.granted = localized("Done");
         break;
     case OnboardingStep::done:
-        content.title = localized("All set, Kivo has your back");
-        content.message = localized("It lives up top, in your menu bar. Pick how you want to see it there:");
-        content.styles = {{MenuBarStyle::compact, localized("Compact")},
-                          {MenuBarStyle::glyphAndPercent, localized("Icon + %")},
-                          {MenuBarStyle::percentOnly, localized("% only")}};
-        content.stylesTitle = localized("Style");
-        content.selectedStyle = settings.menuBarStyle;
-        content.preview = menuBarLabel(
-            coordinator_.monitor().snapshot().get().value_or(BatterySnapshot{.level = sampleLevel}),
-            settings.menuBarStyle);
-        content.tip = localized("Tip: in Settings, **Try** shows you any alert right away.");
+        fillDone(content, settings.menuBarStyle, coordinator_.monitor().snapshot().get());
         break;
     }
 }
