@@ -111,7 +111,7 @@ std::optional<PowerDevice> MobileDevice::readInSession(const DeviceHandle& handl
 std::string MobileDevice::copyText(MobileDeviceReference device, std::string key, std::string fallback) {
     const auto value = library_->copyValue(device, std::nullopt, std::move(key));
     const auto* text = value ? value->string() : nullptr;
-    return text ? *text : fallback;
+    return text ? *text : std::move(fallback);
 }
 
 std::optional<Dictionary> MobileDevice::queryBatteryRegistry(MobileDeviceReference device) {

@@ -79,7 +79,7 @@ private:
     [[noreturn]] void failExpecting(char expected) const;
     const char* endOfPlain(const char* from) const;
     const char* endOfNumber() const;
-    std::string_view escapedString(const char* plainFrom);
+    std::string_view escapedString(const char* plainUntil);
     void unescape();
     unsigned hexDigits();
     bool word(std::string_view word);

@@ -36,8 +36,9 @@ public:
     // throws nothing and touches nothing that the main thread owns.
     virtual void writePiecesInBackground(std::string_view path, std::function<TextPieces()> text,
                                          std::function<void(std::optional<std::string> error)> done) {
+        const auto make = std::move(text);
         std::string whole;
-        for (const auto& piece : text())
+        for (const auto& piece : make())
             whole += *piece;
         writeInBackground(path, std::move(whole), std::move(done));
     }

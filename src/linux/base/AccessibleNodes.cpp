@@ -88,6 +88,7 @@ private:
     // The children that show, a few at a time, so that what time allows is known as a whole.
     std::vector<std::size_t> readChildren(const std::vector<std::size_t>& parents) {
         std::vector<AccessibleQuestion> questions;
+        questions.reserve(parents.size());
         for (const auto index : parents)
             questions.push_back({tree_.nodes[index].path, Kind::children});
         const auto answers = tree_.source->ask(questions);
@@ -133,6 +134,7 @@ private:
     // Roles and actions; names of buttons.
     void readFacts(const std::vector<std::size_t>& elements) {
         std::vector<AccessibleQuestion> questions;
+        questions.reserve(elements.size());
         for (const auto index : elements)
             questions.push_back({tree_.nodes[index].path, Kind::role});
         const auto roles = tree_.source->ask(questions);

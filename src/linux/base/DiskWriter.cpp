@@ -109,6 +109,7 @@ std::optional<std::string> DiskWriter::replace(const Job& job) {
     if (!error && job.pieces) {
         const auto pieces = job.pieces();
         std::vector<std::string_view> parts;
+        parts.reserve(pieces.size());
         for (const auto& piece : pieces)
             parts.push_back(*piece);
         error = replaceWholeFile(job.path, parts);

@@ -31,7 +31,7 @@ std::string localZone(const EnvironmentLookup& environment, const std::string& e
     if (auto variable = environment("TZ")) {
         if (variable->starts_with(':'))
             variable->erase(0, 1);
-        if (const auto name = inDatabase(*variable); !name.empty())
+        if (auto name = inDatabase(*variable); !name.empty())
             return name;
     }
     char target[PATH_MAX];
