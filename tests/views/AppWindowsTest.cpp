@@ -115,7 +115,7 @@ TEST_F(AppWindowsTest, AClosedWindowIsGoneAndLeavesNothingRunning) {
     machine.virtualLoop().runPosted();
     EXPECT_TRUE(settings.isNull());
     // Changes reach nobody any more.
-    delegate.coordinator().settings().change([](AlertSettings& settings) { settings.rules.clear(); });
+    delegate.coordinator().settings().change([](AlertSettings& value) { value.rules.clear(); });
     machine.virtualLoop().advance(seconds(3));
 }
 
