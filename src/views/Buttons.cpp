@@ -60,7 +60,9 @@ void Button::keyPressEvent(QKeyEvent* event) {
 }
 
 void Button::focusInEvent(QFocusEvent* event) {
-    hasKeyboardFocus_ = event->reason() != Qt::MouseFocusReason && event->reason() != Qt::PopupFocusReason;
+    // A window that comes to the front gives the focus back as it was.
+    if (event->reason() != Qt::ActiveWindowFocusReason)
+        hasKeyboardFocus_ = event->reason() != Qt::MouseFocusReason && event->reason() != Qt::PopupFocusReason;
     QAbstractButton::focusInEvent(event);
 }
 

@@ -24,7 +24,9 @@ namespace {
 
 constexpr QSize wantedSize{620, 560};
 constexpr int columnWidth = 480;
-constexpr int longestButton = 190;  // that is never shortened
+constexpr int footerSide = 24;
+constexpr int footerGap = 12;
+constexpr int shortestButton = 110;
 constexpr double turnDistance = 56; // points that a page comes from the side
 
 } // namespace
@@ -33,7 +35,7 @@ constexpr double turnDistance = 56; // points that a page comes from the side
 class ProgressDots final : public QWidget, public Spoken {
 public:
     ProgressDots(Kit& kit, int count) : count_(count), place_(kit, *this) {
-        setFixedSize((count - 1) * gap + side + longer, 8);
+        setFixedSize((count - 1) * gap + side + longer + 2 * footerGap, 8);
     }
     QAccessible::Role role() const override { return QAccessible::StaticText; }
     void show(int current, const std::string& spoken) {
@@ -47,7 +49,7 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         const Surface surface = surfaceFor(palette());
         painter.setPen(Qt::NoPen);
-        double left = 0;
+        double left = footerGap;
         for (int i = 0; i < count_; ++i) {
             const double share = std::max(1 - std::abs(place_.value() - i), 0.0);
             QColor ink = share > 0.5 ? surface.accent : surface.ink;
@@ -135,7 +137,7 @@ IntroductionWindow::~IntroductionWindow() {
 QWidget* IntroductionWindow::makeFooter(const OnboardingContent& content) {
     auto* footer = new QWidget;
     auto* line = new QGridLayout(footer);
-    line->setContentsMargins(24, 12, 24, 20);
+    line->setContentsMargins(footerSide, 12, footerSide, 20);
     line->setHorizontalSpacing(0); // also where the first button is away, so that the dots stay in the middle
     line->setColumnStretch(0, 1);
     line->setColumnStretch(2, 1);
@@ -181,9 +183,21 @@ void IntroductionWindow::refresh() {
     shown_->show(content);
     back_->setVisible(content.hasBack);
     primary_->setText(toQString(content.primary));
-    primary_->setMinimumWidth(std::min(primary_->sizeHint().width(), longestButton));
     primary_->updateGeometry();
+    fitFooter();
     dots_->show(static_cast<int>(content.step), content.progress);
+}
+
+// The words of the button that goes on are shortened only where there is no room for them at all.
+void IntroductionWindow::fitFooter() {
+    const int back = back_->isVisibleTo(this) ? back_->sizeHint().width() : 0;
+    const int rest = width() - 2 * footerSide - back - dots_->width();
+    primary_->setMinimumWidth(std::min(primary_->sizeHint().width(), std::max(rest, shortestButton)));
+}
+
+void IntroductionWindow::resizeEvent(QResizeEvent* event) {
+    AppWindow::resizeEvent(event);
+    fitFooter();
 }
 
 void IntroductionWindow::activated() {

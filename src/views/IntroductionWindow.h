@@ -22,11 +22,13 @@ public:
 protected:
     void activated() override;
     void dismissed() override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     QWidget* makeFooter(const OnboardingContent& content);
     void showPage();
     void turnPage();
+    void fitFooter();
     void refresh();
 
     std::unique_ptr<IntroductionModel> model_;

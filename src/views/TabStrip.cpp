@@ -21,6 +21,16 @@ constexpr int tabHeight = 60;
 constexpr int narrowest = 72;
 constexpr double tabRadius = 10;
 
+// What is seen where `color` lies over the ground.
+QColor over(const QColor& ground, const QColor& color) {
+    const double share = color.alphaF();
+    auto mix = [share](int above, int below) {
+        return static_cast<int>(std::lround(above * share + below * (1 - share)));
+    };
+    return {mix(color.red(), ground.red()), mix(color.green(), ground.green()),
+            mix(color.blue(), ground.blue())};
+}
+
 } // namespace
 
 TabStrip::TabStrip(Kit& kit, const std::vector<SettingsTabTitle>& tabs) : kit_(kit) {
@@ -65,7 +75,7 @@ void TabStrip::paintEvent(QPaintEvent* /*event*/) {
             painter.fillPath(roundedPath(box, tabRadius), fill);
         if (isChosen && showsFocus(*this))
             paintFocusRing(painter, box.adjusted(-2, -2, 2, 2), tabRadius + 2, surface);
-        const QColor ink = isChosen ? readable(surface.accent, surface.window) : surface.secondary;
+        const QColor ink = isChosen ? readable(surface.accent, over(surface.window, fill)) : surface.secondary;
         kit_.symbols.paint(painter, symbols_[static_cast<std::size_t>(i)],
                            {box.center().x() - 11, box.top() + 6, 22, 22}, ink);
         paintText(painter, box.adjusted(4, 30, -4, -6), Qt::AlignCenter, tabText(i),
