@@ -29,6 +29,12 @@ IslandChoreography::IslandChoreography(MainLoop& loop, OverlayModel& model, Work
       seenToken_(model.token.get()),
       wasPresented_(model.isPresented.get()),
       run_(loop) {
+    metricsChange_ = model.metrics.onChange([this] {
+        motion_.moveTo(model_.metrics.get());
+        // Where nothing is out, they come with the next island.
+        if (model_.isPresented.get() || isMoving(loop_.now()))
+            changes_.notify();
+    });
     tokenChange_ = model.token.onChange([this] { modelChanged(); });
     presentedChange_ = model.isPresented.onChange([this] { modelChanged(); });
 }

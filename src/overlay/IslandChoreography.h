@@ -50,6 +50,7 @@ private:
     Listeners changes_;
     Sequence run_;
     Subscription shakeWait_;
+    Subscription metricsChange_;
     Subscription tokenChange_;
     Subscription presentedChange_;
 };

@@ -32,6 +32,8 @@ public:
         bool reducesMotion;
     };
     void show(const Showing& showing, Duration now);
+    // To a screen that is different; at once.
+    void moveTo(const IslandMetrics& metrics) { metrics_ = metrics; }
     void setWide(bool isWide, Manner manner, Duration now);
     void setTall(bool isTall, Manner manner, Duration now);
     void setShowsContent(bool shows, Manner manner, Duration now) { contents_.setShown(shows, manner, now); }

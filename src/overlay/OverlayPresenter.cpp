@@ -30,6 +30,15 @@ void OverlayPresenter::present(IslandContent content) {
         queue_.pop_front();
 }
 
+void OverlayPresenter::screenChanged() {
+    const auto screen = isBusy() ? targetScreen() : std::nullopt;
+    if (!screen)
+        return;
+    panel_.setFrame(screen->frame);
+    panel_.orderFront();
+    model_.metrics.set(metrics(*screen));
+}
+
 void OverlayPresenter::show(IslandContent content) {
     const auto screen = targetScreen();
     if (!screen)

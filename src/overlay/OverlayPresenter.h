@@ -23,6 +23,9 @@ public:
 
     // Events in
     void present(IslandContent content);
+    // The screen that the panel is on has gone or has another size: what is out goes on where it would show
+    // now.
+    void screenChanged();
 
     // State out
     OverlayModel& model() { return model_; }

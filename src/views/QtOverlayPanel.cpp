@@ -46,15 +46,34 @@ QRegion plainShape(const IslandFrame& frame, QPoint origin) {
 
 QtOverlayPanel::QtOverlayPanel(MainLoop& loop, OverlayDisplay& display)
     : loop_(loop), display_(display), glow_(display) {
-    screenRemoved_ = QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, qGuiApp, [this](QScreen* gone) {
-        // The island is lost with its screen; the next one finds another.
+    connectScreens();
+}
+
+void QtOverlayPanel::connectScreens() {
+    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &screens_, [this](QScreen* gone) {
         if (gone == screen_)
-            dropSurfaces();
+            leaveDisplay();
+    });
+    QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &screens_, [this] {
+        if (!screen_)
+            moveSoon();
     });
 }
 
-QtOverlayPanel::~QtOverlayPanel() {
-    QObject::disconnect(screenRemoved_);
+void QtOverlayPanel::leaveDisplay() {
+    dropSurfaces();
+    moveSoon();
+}
+
+// Once, whatever else changes with it.
+void QtOverlayPanel::moveSoon() {
+    move_ = loop_.after(Duration{0}, [this] {
+        if (!isOut_)
+            return;
+        if (onScreenChange)
+            onScreenChange();
+        changed();
+    });
 }
 
 void QtOverlayPanel::show(OverlayModel& model, Workspace& workspace) {
@@ -77,6 +96,12 @@ void QtOverlayPanel::setFrame(Rect frame) {
     const double scale = screen ? screen->devicePixelRatio() : 1;
     if (screen != screen_ || place != screenPlace_ || scale != screenScale_)
         dropSurfaces();
+    if (screen != screen_) {
+        QObject::disconnect(screenChange_);
+        if (screen)
+            screenChange_ =
+                QObject::connect(screen, &QScreen::geometryChanged, &screens_, [this] { moveSoon(); });
+    }
     screen_ = screen;
     screenPlace_ = place;
     screenScale_ = scale;
@@ -88,8 +113,11 @@ void QtOverlayPanel::orderFront() {
     if (isCompositing != isCompositing_)
         dropSurfaces();
     isCompositing_ = isCompositing;
+    // One that its screen took along hides first.
     if (island_ && island_->isVisible())
         island_->show();
+    else if (island_)
+        island_->hide();
 }
 
 void QtOverlayPanel::orderOut() {

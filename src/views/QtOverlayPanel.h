@@ -11,6 +11,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -27,7 +28,6 @@ class QtOverlayPanel final : public OverlayPanel {
 public:
     // Both outlive the panel.
     QtOverlayPanel(MainLoop& loop, OverlayDisplay& display);
-    ~QtOverlayPanel() override;
 
     // What it shows from now on; both stay until `showNothing`.
     void show(OverlayModel& model, Workspace& workspace);
@@ -37,7 +37,17 @@ public:
     void orderFront() override;
     void orderOut() override;
 
+    // The display that the surfaces came from ends: none of them stays, and what is out is shown anew.
+    void leaveDisplay();
+
+    // Callbacks out
+    // The screen that something is out on has gone or has another size, or there is one again: time to choose a
+    // screen and to say its frame. Called in a turn of the loop of its own.
+    std::function<void()> onScreenChange;
+
 private:
+    void connectScreens();
+    void moveSoon();
     void changed();
     void update();
     void scheduleFrame(Duration now);
@@ -65,11 +75,13 @@ private:
     std::unique_ptr<OverlaySurface> island_;
     EdgeGlowWindows glow_;
 
-    QMetaObject::Connection screenRemoved_;
+    QObject screens_; // what is connected to them ends with it
+    QMetaObject::Connection screenChange_;
     Duration frameDue_{0};
     Subscription change_;
     Subscription nextFrame_;
     Subscription nextPreparation_;
+    Subscription move_;
 };
 
 } // namespace kivo

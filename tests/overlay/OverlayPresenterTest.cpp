@@ -111,6 +111,34 @@ TEST_F(OverlayPresenterTest, theLineHoldsTheNewestFourAndOneOfASubject) {
     EXPECT_EQ(shown, "1 3 5 6 4new ");
 }
 
+TEST_F(OverlayPresenterTest, whatIsOutGoesOnWhenItsScreenGoesOrChanges) {
+    const Screen other{.frame = {1440, 0, 1000, 800}};
+    desktop.list.push_back(other);
+    desktop.mouse = {1500, 100};
+    presenter.screenChanged();
+    EXPECT_EQ(desktop.frame, Rect()) << "nothing is out";
+    present("a");
+    present("b");
+    EXPECT_EQ(desktop.frame, other.frame);
+    loop.advance(seconds(1));
+    desktop.list.pop_back();
+    presenter.screenChanged();
+    EXPECT_EQ(desktop.frame, desktop.list[0].frame);
+    EXPECT_EQ(presenter.model().metrics.get().screenSize, (Size{1440, 900}));
+    desktop.list.clear();
+    desktop.main = std::nullopt;
+    presenter.screenChanged();
+    EXPECT_TRUE(presenter.model().isPresented.get()) << "there may be a screen again in time";
+    desktop.list.push_back(other);
+    presenter.screenChanged();
+    EXPECT_EQ(desktop.frame, other.frame);
+    EXPECT_EQ(shown, "a ") << "it is no new island";
+    loop.advance(seconds(2.519));
+    EXPECT_EQ(shown, "a ") << "nor does it stay longer";
+    loop.advance(seconds(0.001));
+    EXPECT_EQ(shown, "a b ");
+}
+
 TEST_F(OverlayPresenterTest, withoutAScreenTheContentIsLostAndNothingHangs) {
     desktop.list.clear();
     desktop.main = std::nullopt;
