@@ -9,11 +9,8 @@
 #include "platform/Application.h"
 #include "platform/Workspace.h"
 #include "views/IntroductionWindow.h"
-#include "views/LayerSurface.h"
-#include "views/NotifiedIslands.h"
+#include "views/Islands.h"
 #include "views/OverlayChoice.h"
-#include "views/PaintedWindow.h"
-#include "views/QtOverlayPanel.h"
 #include "views/SettingsWindow.h"
 #include "views/Surface.h"
 #include "views/TrayIcon.h"
@@ -152,53 +149,21 @@ void connectUpdates(UpdatePrompt& prompt, LinuxMachine& machine) {
     machine.updates().onFinding = [&prompt](const UpdateFinding& finding) { prompt.show(finding); };
 }
 
-// Where islands show on this computer's display.
-class Islands {
-public:
-    explicit Islands(LinuxMachine& machine)
-        : layers_(hasCompositor() ? LayerSurfaces::connect() : nullptr),
-          choice_(chooseOverlay(QGuiApplication::platformName().toStdString(), layers_ != nullptr)),
-          panel_(machine.loop(),
-                 choice_.way == OverlayWay::layers ? *layers_ : static_cast<OverlayDisplay&>(windows_)),
-          notified_(machine.notifications()) {
-        Logger(machine.log(), "overlay").info(choice_.reason);
-        if (areNotified())
-            machine.provide(notified_);
-        else
-            machine.provide(panel_);
-    }
-    void show(OverlayModel& model, Workspace& workspace) {
-        if (areNotified())
-            notified_.show(model);
-        else
-            panel_.show(model, workspace);
-    }
-    void showNothing() {
-        panel_.showNothing();
-        notified_.showNothing();
-    }
-
-private:
-    bool areNotified() const { return choice_.way == OverlayWay::notifications; }
-
-    std::unique_ptr<LayerSurfaces> layers_;
-    OverlayChoice choice_;
-    PaintedWindows windows_;
-    QtOverlayPanel panel_;
-    NotifiedIslands notified_;
-};
-
 int run(QApplication& app, SingleInstance& instance, const QString& firstAction) {
     LinuxMachine machine({KIVO_UPDATE_FEED, KIVO_UPDATE_KEY, KIVO_VERSION});
     DesktopAppearance appearance(QDBusConnection::sessionBus());
     appearance.onChange = [&appearance] { takeColors(appearance); };
-    Islands islands(machine);
+    Islands islands(machine.loop(), machine.log(), machine.notifications(), hasCompositor());
+    machine.provide(islands);
     AppWindows appWindows(machine.loop());
     machine.provide(appWindows);
     AppDelegate delegate(machine);
     AppCoordinator& coordinator = delegate.coordinator();
     addWindows(appWindows, machine, coordinator);
     islands.show(coordinator.overlay().model(), machine.workspace());
+    islands.onScreenChange = [&coordinator] { coordinator.overlay().screenChanged(); };
+    if (hasCompositor())
+        machine.screens().screenOfMouse = [&islands] { return islands.screenInUse(); };
     MenuModel menu(machine.loop(), coordinator, machine.workspace(), machine.windows());
     TrayMenu menuWindow(machine.loop(), menu);
     menuWindow.onGone = releaseMemory;
@@ -232,6 +197,8 @@ int run(QApplication& app, SingleInstance& instance, const QString& firstAction)
     menu.close();
     appWindows.closeAll();
     islands.showNothing();
+    islands.onScreenChange = nullptr;
+    machine.screens().screenOfMouse = nullptr;
     return status;
 }
 

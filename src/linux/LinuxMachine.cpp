@@ -155,7 +155,7 @@ RunningApplications& LinuxMachine::applications() {
 Accessibility& LinuxMachine::accessibility() {
     return services_->accessibility;
 }
-Screens& LinuxMachine::screens() {
+QtScreens& LinuxMachine::screens() {
     return services_->screens;
 }
 OverlayPanel& LinuxMachine::overlayPanel() {

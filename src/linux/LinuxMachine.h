@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "linux/QtScreens.h"
 #include "linux/base/LinuxUpdateService.h"
 #include "platform/Machine.h"
 
@@ -50,7 +51,7 @@ public:
     RunningApplications& applications() override;
     Accessibility& accessibility() override;
 
-    Screens& screens() override;
+    QtScreens& screens() override;
     OverlayPanel& overlayPanel() override;
     NotificationCenter& notifications() override;
     Sounds& sounds() override;

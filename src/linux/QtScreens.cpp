@@ -24,6 +24,11 @@ int lowerEdge(const QRect& rect) {
     return rect.y() + rect.height();
 }
 
+// When the last screen has gone, Qt keeps one of no size.
+bool isThere(const QScreen* screen) {
+    return screen && !screen->geometry().isEmpty();
+}
+
 } // namespace
 
 Rect toGlobalSpace(const QRect& rect, const QRect& primary) {
@@ -53,18 +58,21 @@ Screen QtScreens::describe(const QScreen& screen) const {
 
 std::vector<Screen> QtScreens::screens() {
     std::vector<Screen> result;
-    for (const QScreen* screen : QGuiApplication::screens())
-        result.push_back(describe(*screen));
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        if (isThere(screen))
+            result.push_back(describe(*screen));
+    }
     return result;
 }
 
 std::optional<Screen> QtScreens::mainScreen() {
     const QScreen* primary = QGuiApplication::primaryScreen();
-    return primary ? std::optional(describe(*primary)) : std::nullopt;
+    return isThere(primary) ? std::optional(describe(*primary)) : std::nullopt;
 }
 
 Point QtScreens::mouseLocation() {
-    return toGlobalSpace(QCursor::pos(), primaryGeometry());
+    const QScreen* screen = screenOfMouse ? screenOfMouse() : nullptr;
+    return toGlobalSpace(screen ? screen->geometry().center() : QCursor::pos(), primaryGeometry());
 }
 
 double QtScreens::statusBarThickness() {

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "views/LayerSurface.h"
 
+#include "views/OutputProbe.h"
 #include "views/PaintAlone.h"
 #include "views/SharedImages.h"
 #include "views/WaylandDisplay.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 #include <QScreen>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -17,9 +20,9 @@ namespace {
 
 class LayerSurface final : public OverlaySurface {
 public:
-    LayerSurface(const LayerSurfaces& surfaces, QString screenName, QRect screen, QRect place, Paint paint)
-        : surfaces_(surfaces),
-          display_(surfaces.display()),
+    LayerSurface(std::shared_ptr<WaylandDisplay> display, QString screenName, QRect screen, QRect place,
+                 Paint paint)
+        : display_(std::move(display)),
           screenName_(std::move(screenName)),
           screen_(screen),
           place_(place),
@@ -38,6 +41,8 @@ public:
 
 private:
     void close();
+    const WaylandDisplay::Output* output() const { return display_->find(screenName_, screen_); }
+    bool measure();
     void apply();
     void configured(std::uint32_t serial);
     void draw();
@@ -46,7 +51,6 @@ private:
     static const zwlr_layer_surface_v1_listener layerListener;
     static const wl_callback_listener frameListener;
 
-    const LayerSurfaces& surfaces_;
     std::shared_ptr<WaylandDisplay> display_; // of all the objects below
     QString screenName_;
     QRect screen_; // as Qt sees it
@@ -60,8 +64,9 @@ private:
     bool isConfigured_ = false;
     bool isDirty_ = false;
     bool wasClosed_ = false; // its screen has gone: it stays away until it is hidden and shown again
-    double pointSize_ = 1;   // the compositor's points in one of Qt's
-    double scale_ = 1;       // pixels in one of the compositor's points
+    Subscription outputsChange_;
+    double pointSize_ = 1; // the compositor's points in one of Qt's
+    double scale_ = 1;     // pixels in one of the compositor's points
     SharedImages images_;
     QImage master_; // of a surface whose opacity changes: painted once
     double opacity_ = 1;
@@ -85,17 +90,9 @@ const wl_callback_listener LayerSurface::frameListener{[](void* data, wl_callbac
 }};
 
 void LayerSurface::show() {
-    if (display_ != surfaces_.display()) {
-        close();
-        images_.release();
-        display_ = surfaces_.display();
-    }
     if (surface_ || wasClosed_ || !display_->isAlive())
         return;
-    const WaylandDisplay::Output* output = display_->find(screenName_, screen_);
-    scale_ = output ? output->scale() : 1;
-    const bool isKnown = output && output->place.width() > 0 && screen_.width() > 0;
-    pointSize_ = isKnown ? static_cast<double>(output->place.width()) / screen_.width() : 1;
+    const WaylandDisplay::Output* output = this->output();
     surface_ = wl_compositor_create_surface(display_->compositor());
     layer_ =
         zwlr_layer_shell_v1_get_layer_surface(display_->layers(), surface_, output ? output->proxy : nullptr,
@@ -108,11 +105,18 @@ void LayerSurface::show() {
     wl_region* nowhere = wl_compositor_create_region(display_->compositor());
     wl_surface_set_input_region(surface_, nowhere);
     wl_region_destroy(nowhere);
-    if (scale_ != std::floor(scale_) && display_->viewports())
+    if (display_->viewports())
         viewport_ = wp_viewporter_get_viewport(display_->viewports(), surface_);
-    else
-        scale_ = std::ceil(scale_);
+    measure();
     apply();
+    // The screen that it is on may be given another scale.
+    outputsChange_ = display_->onOutputsChange([this] {
+        if (!measure())
+            return;
+        master_ = {};
+        apply();
+        repaint({});
+    });
     wl_surface_commit(surface_);
     display_->flush();
 }
@@ -123,6 +127,7 @@ void LayerSurface::hide() {
 }
 
 void LayerSurface::close() {
+    outputsChange_.cancel();
     if (frame_)
         wl_callback_destroy(std::exchange(frame_, nullptr));
     if (viewport_)
@@ -146,10 +151,25 @@ void LayerSurface::setPlace(QRect place) {
     repaint({});
 }
 
+// What its screen asks of it; whether that is something else than before. A screen that has gone asks nothing.
+bool LayerSurface::measure() {
+    const WaylandDisplay::Output* output = this->output();
+    if (!output)
+        return false;
+    const double scale = viewport_ ? output->scale() : std::ceil(output->scale());
+    const bool isKnown = output->place.width() > 0 && screen_.width() > 0;
+    const double pointSize = isKnown ? static_cast<double>(output->place.width()) / screen_.width() : 1;
+    const bool isOther = scale != scale_ || pointSize != pointSize_;
+    scale_ = scale;
+    pointSize_ = pointSize;
+    return isOther;
+}
+
 // Size and place, in the compositor's points; they count from the next commit on.
 void LayerSurface::apply() {
+    // A surface of no size is a client's error.
     const QRect area(QPointF(place_.topLeft() * pointSize_).toPoint(),
-                     (QSizeF(place_.size()) * pointSize_).toSize());
+                     (QSizeF(place_.size()) * pointSize_).toSize().expandedTo({1, 1}));
     zwlr_layer_surface_v1_set_size(layer_, static_cast<std::uint32_t>(area.width()),
                                    static_cast<std::uint32_t>(area.height()));
     zwlr_layer_surface_v1_set_margin(layer_, area.top(), 0, 0, area.left());
@@ -192,7 +212,7 @@ void LayerSurface::draw() {
     isDirty_ = true;
     if (!surface_ || !display_->isAlive())
         return;
-    const QSize points = (QSizeF(place_.size()) * pointSize_).toSize();
+    const QSize points = (QSizeF(place_.size()) * pointSize_).toSize().expandedTo({1, 1});
     const QSize pixels = (QSizeF(points) * scale_).toSize();
     QImage image = images_.next(display_->memory(), pixels);
     const double scale = scale_ * pointSize_;
@@ -224,22 +244,25 @@ void LayerSurface::draw() {
 
 } // namespace
 
-std::unique_ptr<LayerSurfaces> LayerSurfaces::connect() {
-    std::shared_ptr<WaylandDisplay> display = WaylandDisplay::connect();
+std::unique_ptr<LayerSurfaces> LayerSurfaces::connect(int patience) {
+    std::shared_ptr<WaylandDisplay> display = WaylandDisplay::connect(patience);
     return display ? std::unique_ptr<LayerSurfaces>(new LayerSurfaces(std::move(display))) : nullptr;
 }
 
 std::unique_ptr<OverlaySurface> LayerSurfaces::makeSurface(QScreen& screen, QRect place,
                                                            OverlaySurface::Paint paint) {
-    return std::make_unique<LayerSurface>(*this, screen.name(), screen.geometry(), place, std::move(paint));
+    return std::make_unique<LayerSurface>(display_, screen.name(), screen.geometry(), place, std::move(paint));
 }
 
-bool LayerSurfaces::isCompositing() {
-    if (!display_->isAlive()) {
-        if (std::shared_ptr<WaylandDisplay> again = WaylandDisplay::connect())
-            display_ = std::move(again);
-    }
-    return true;
+const QScreen* LayerSurfaces::screenInUse() {
+    const auto screens = QGuiApplication::screens();
+    if (screens.size() < 2 || display_->countOutputs() < 2)
+        return nullptr;
+    const WaylandDisplay::Output* output = findOutputInUse(*display_);
+    const auto found = std::find_if(screens.begin(), screens.end(), [&](const QScreen* screen) {
+        return output && display_->find(screen->name(), screen->geometry()) == output;
+    });
+    return found == screens.end() ? nullptr : *found;
 }
 
 } // namespace kivo

@@ -14,15 +14,17 @@ class WaylandDisplay;
 // in shared memory. Frames are drawn no faster than the compositor asks for them.
 class LayerSurfaces final : public OverlayDisplay {
 public:
-    // Nothing where the compositor offers no such layer.
-    static std::unique_ptr<LayerSurfaces> connect();
+    // Nothing where the compositor offers no such layer, or does not answer within that time, in milliseconds.
+    static std::unique_ptr<LayerSurfaces> connect(int patience);
 
     std::unique_ptr<OverlaySurface> makeSurface(QScreen& screen, QRect place,
                                                 OverlaySurface::Paint paint) override;
-    // Always; asked before each island, so a compositor that has gone is looked for again here.
-    bool isCompositing() override;
+    bool isCompositing() override { return true; }
 
-    const std::shared_ptr<WaylandDisplay>& display() const { return display_; }
+    // Of several screens the one that the compositor gives to what asks for none: as a rule the mouse is there.
+    // Null with one screen, and where the compositor does not say.
+    const QScreen* screenInUse();
+    WaylandDisplay& display() { return *display_; }
 
 private:
     explicit LayerSurfaces(std::shared_ptr<WaylandDisplay> display) : display_(std::move(display)) {}

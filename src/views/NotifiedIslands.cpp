@@ -6,11 +6,15 @@
 namespace kivo {
 
 void NotifiedIslands::show(OverlayModel& model) {
-    change_ = model.token.onChange([this, &model] {
-        if (const auto& content = model.content.get())
-            notifications_.add({"kivo." + content->subjectID, content->title, content->subtitle},
-                               [](std::optional<std::string>) {});
-    });
+    change_ = model.token.onChange([this, &model] { notify(model); });
+    if (model.isPresented.get())
+        notify(model);
+}
+
+void NotifiedIslands::notify(const OverlayModel& model) {
+    if (const auto& content = model.content.get())
+        notifications_.add({"kivo." + content->subjectID, content->title, content->subtitle},
+                           [](std::optional<std::string>) {});
 }
 
 } // namespace kivo

@@ -14,7 +14,7 @@ class NotifiedIslands final : public OverlayPanel {
 public:
     explicit NotifiedIslands(NotificationCenter& notifications) : notifications_(notifications) {}
 
-    // What it shows from now on; stays until `showNothing`.
+    // What it shows from now on, with what is out; stays until `showNothing`.
     void show(OverlayModel& model);
     void showNothing() { change_.cancel(); }
 
@@ -23,6 +23,8 @@ public:
     void orderOut() override {}
 
 private:
+    void notify(const OverlayModel& model);
+
     NotificationCenter& notifications_;
     Subscription change_;
 };

@@ -19,6 +19,8 @@ bool findAll(void* library) {
     return find(library, "wl_display_connect", client.displayConnect) &&
            find(library, "wl_display_disconnect", client.displayDisconnect) &&
            find(library, "wl_display_get_fd", client.displayGetFd) &&
+           find(library, "wl_display_get_error", client.displayGetError) &&
+           find(library, "wl_display_get_protocol_error", client.displayGetProtocolError) &&
            find(library, "wl_display_flush", client.displayFlush) &&
            find(library, "wl_display_prepare_read", client.displayPrepareRead) &&
            find(library, "wl_display_cancel_read", client.displayCancelRead) &&

@@ -11,6 +11,8 @@ struct Client {
     decltype(&wl_display_connect) displayConnect;
     decltype(&wl_display_disconnect) displayDisconnect;
     decltype(&wl_display_get_fd) displayGetFd;
+    decltype(&wl_display_get_error) displayGetError;
+    decltype(&wl_display_get_protocol_error) displayGetProtocolError;
     decltype(&wl_display_flush) displayFlush;
     decltype(&wl_display_prepare_read) displayPrepareRead;
     decltype(&wl_display_cancel_read) displayCancelRead;

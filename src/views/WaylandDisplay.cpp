@@ -13,8 +13,7 @@ using wayland::client;
 
 namespace {
 
-// Ten waits of this long make the two seconds that a compositor has to answer.
-constexpr int patience = 200; // milliseconds
+// However often it says something else, an answer is waited for in so many steps.
 constexpr int waits = 10;
 
 template <typename Interface>
@@ -26,8 +25,6 @@ Interface* bind(wl_registry* registry, std::uint32_t number, const wl_interface&
 WaylandDisplay::Output& output(void* data) {
     return *static_cast<WaylandDisplay::Output*>(data);
 }
-
-void ignore(void*, wl_output*) {}
 
 } // namespace
 
@@ -51,7 +48,7 @@ const wl_output_listener WaylandDisplay::outputListener{
         if (flags & WL_OUTPUT_MODE_CURRENT)
             output(data).pixels = {width, height};
     },
-    ignore,
+    [](void* data, wl_output*) { output(data).display->outputsChange_.notify(); },
     [](void* data, wl_output*, std::int32_t factor) { output(data).buffers = std::max(factor, 1); },
     [](void* data, wl_output*, const char* name) { output(data).name = QString::fromUtf8(name); },
     [](void*, wl_output*, const char*) {}};
@@ -69,17 +66,17 @@ double WaylandDisplay::Output::scale() const {
     const int across = isTurned ? pixels.height() : pixels.width();
     if (place.width() <= 0 || across <= 0)
         return buffers;
-    return std::clamp(std::round(16.0 * across / place.width()) / 16, 1.0, 4.0);
+    return std::clamp(std::round(120.0 * across / place.width()) / 120, 1.0, 4.0);
 }
 
-std::unique_ptr<WaylandDisplay> WaylandDisplay::connect() {
+std::unique_ptr<WaylandDisplay> WaylandDisplay::connect(int patience) {
     if (!wayland::loadClient())
         return nullptr;
     wl_display* display = client.displayConnect(nullptr);
     if (!display)
         return nullptr;
     std::unique_ptr<WaylandDisplay> result(new WaylandDisplay(display));
-    return result->learn() ? std::move(result) : nullptr;
+    return result->learn(patience) ? std::move(result) : nullptr;
 }
 
 WaylandDisplay::WaylandDisplay(wl_display* display) : display_(display) {}
@@ -103,15 +100,15 @@ WaylandDisplay::~WaylandDisplay() {
     client.displayDisconnect(display_);
 }
 
-bool WaylandDisplay::learn() {
+bool WaylandDisplay::learn(int patience) {
     registry_ = wl_display_get_registry(display_);
     wl_registry_add_listener(registry_, &registryListener, this);
     // The first answer brings the globals, the second what the outputs say of themselves.
-    if (!roundTrip() || !compositor_ || !memory_ || !layers_)
+    if (!roundTrip(patience) || !compositor_ || !memory_ || !layers_)
         return false;
     for (auto& output : outputs_)
         describe(*output);
-    if (!roundTrip())
+    if (!roundTrip(patience))
         return false;
     notifier_ = std::make_unique<QSocketNotifier>(client.displayGetFd(display_), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
@@ -121,51 +118,67 @@ bool WaylandDisplay::learn() {
     return true;
 }
 
-bool WaylandDisplay::roundTrip() {
+bool WaylandDisplay::roundTrip(int milliseconds) {
     static const wl_callback_listener listener{
         [](void* data, wl_callback*, std::uint32_t) { *static_cast<bool*>(data) = true; }};
     bool isDone = false;
     wl_callback* callback = wl_display_sync(display_);
     wl_callback_add_listener(callback, &listener, &isDone);
-    for (int i = 0; i < waits && !isDone && isAlive_; ++i) {
-        flush();
-        receive(patience);
-    }
+    await(isDone, milliseconds);
     wl_callback_destroy(callback);
     return isDone;
 }
 
-// Takes in what has come, waiting for it at most so long; false when nothing came.
-bool WaylandDisplay::receive(int milliseconds) {
-    if (!isAlive_)
-        return false;
-    while (client.displayPrepareRead(display_) != 0)
+bool WaylandDisplay::await(const bool& isDone, int milliseconds) {
+    for (int i = 0; i < waits && !isDone && isAlive_; ++i) {
+        flush();
+        receive(milliseconds / waits);
+    }
+    return isDone;
+}
+
+// Takes in what has come, waiting for it at most so long.
+void WaylandDisplay::receive(int milliseconds) {
+    // What is in line already. It stays there when the connection has ended.
+    while (isAlive_ && client.displayPrepareRead(display_) != 0)
         dispatch();
+    if (!isAlive_)
+        return;
     pollfd wait{client.displayGetFd(display_), POLLIN, 0};
-    const bool isReadable = poll(&wait, 1, milliseconds) > 0;
-    if (!isReadable)
+    if (poll(&wait, 1, milliseconds) <= 0)
         client.displayCancelRead(display_);
     else if (client.displayReadEvents(display_) < 0)
-        lose();
+        end();
     dispatch();
-    return isReadable;
 }
 
 void WaylandDisplay::dispatch() {
-    if (client.displayDispatchPending(display_) < 0)
-        lose();
+    if (isAlive_ && client.displayDispatchPending(display_) < 0)
+        end();
 }
 
 void WaylandDisplay::flush() {
-    // A full socket is tried again with the next request.
-    if (isAlive_ && client.displayFlush(display_) < 0 && errno != EAGAIN)
-        lose();
+    // A full socket is tried again with the next request. Why a closed one is closed is still to be read from
+    // it.
+    if (isAlive_ && client.displayFlush(display_) < 0 && errno != EAGAIN && errno != EPIPE)
+        end();
 }
 
-void WaylandDisplay::lose() {
+void WaylandDisplay::end() {
     isAlive_ = false;
     if (notifier_)
         notifier_->setEnabled(false);
+    const int error = client.displayGetError(display_);
+    const bool isError = error == EPROTO;
+    std::string reason = std::strerror(error);
+    if (isError) {
+        const wl_interface* interface = nullptr;
+        const std::uint32_t code = client.displayGetProtocolError(display_, &interface, nullptr);
+        reason =
+            (interface ? interface->name : std::string("unknown object")) + ", error " + std::to_string(code);
+    }
+    if (onEnd)
+        onEnd(reason, isError);
 }
 
 void WaylandDisplay::appeared(std::uint32_t number, const char* interface, std::uint32_t version) {
@@ -190,16 +203,16 @@ void WaylandDisplay::appeared(std::uint32_t number, const char* interface, std::
 void WaylandDisplay::addOutput(std::uint32_t number, std::uint32_t version) {
     outputs_.push_back(std::make_unique<Output>());
     Output& added = *outputs_.back();
+    added.display = this;
     added.number = number;
     added.proxy = bind<wl_output>(registry_, number, wl_output_interface, version, 4);
     wl_output_add_listener(added.proxy, &outputListener, &added);
-    // One of the first ones may come before the manager does.
-    if (notifier_)
-        describe(added);
+    describe(added);
 }
 
 void WaylandDisplay::describe(Output& output) {
-    if (!outputManager_)
+    // One of the first ones may come before the manager does.
+    if (!outputManager_ || output.details)
         return;
     output.details = zxdg_output_manager_v1_get_xdg_output(outputManager_, output.proxy);
     zxdg_output_v1_add_listener(output.details, &detailsListener, &output);
@@ -217,6 +230,7 @@ void WaylandDisplay::vanished(std::uint32_t number) {
     else
         wl_output_destroy((*found)->proxy);
     outputs_.erase(found);
+    outputsChange_.notify();
 }
 
 const WaylandDisplay::Output* WaylandDisplay::find(const QString& name, const QRect& place) const {
@@ -226,9 +240,17 @@ const WaylandDisplay::Output* WaylandDisplay::find(const QString& name, const QR
     };
     if (const Output* named = by([&](const auto& output) { return !name.isEmpty() && output->name == name; }))
         return named;
-    if (const Output* placed = by([&](const auto& output) { return output->place == place; }))
+    // XWayland's modes are some points narrower than what they stand for.
+    if (const Output* placed =
+            by([&](const auto& output) { return output->place.topLeft() == place.topLeft(); }))
         return placed;
     return outputs_.size() == 1 ? outputs_.front().get() : nullptr;
+}
+
+const WaylandDisplay::Output* WaylandDisplay::find(wl_output* proxy) const {
+    const auto found = std::find_if(outputs_.begin(), outputs_.end(),
+                                    [proxy](const auto& output) { return output->proxy == proxy; });
+    return found == outputs_.end() ? nullptr : found->get();
 }
 
 } // namespace kivo

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "support/Observable.h"
 #include "views/WaylandClient.h"
 
 #include <QRect>
@@ -10,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace kivo {
@@ -19,6 +21,7 @@ namespace kivo {
 class WaylandDisplay {
 public:
     struct Output {
+        WaylandDisplay* display = nullptr;
         std::uint32_t number = 0; // the compositor's name for it
         wl_output* proxy = nullptr;
         zxdg_output_v1* details = nullptr;
@@ -28,12 +31,13 @@ public:
         int buffers = 1; // the scale that it asks whole buffers to have
         bool isTurned = false;
 
-        // Pixels per logical point, to the sixteenth; a compositor's points need not be whole pixels.
+        // Pixels per logical point, in the steps of 1/120 that compositors count in.
         double scale() const;
     };
 
-    // Nothing when there is no compositor, it offers no layer shell, or it does not answer within two seconds.
-    static std::unique_ptr<WaylandDisplay> connect();
+    // Nothing when there is no compositor, it offers no layer shell, or it does not answer within that time, in
+    // milliseconds.
+    static std::unique_ptr<WaylandDisplay> connect(int patience);
     ~WaylandDisplay();
     WaylandDisplay(const WaylandDisplay&) = delete;
     WaylandDisplay& operator=(const WaylandDisplay&) = delete;
@@ -42,8 +46,21 @@ public:
     bool isAlive() const { return isAlive_; }
     // Sends what was asked for.
     void flush();
+    // Waits until `isDone`, which an answer makes true, at most so long; gives it.
+    bool await(const bool& isDone, int milliseconds);
     // The output that Qt knows under this name, or at this place; nothing when that cannot be told.
     const Output* find(const QString& name, const QRect& place) const;
+    const Output* find(wl_output* proxy) const; // null of none
+    std::size_t countOutputs() const { return outputs_.size(); }
+    // An output has come, gone, or changed its size, its place or its scale.
+    Subscription onOutputsChange(std::function<void()> listener) {
+        return outputsChange_.add(std::move(listener));
+    }
+
+    // Callbacks out
+    // The connection has ended, once, with the reason for the log and whether the compositor objected to
+    // something. Nothing of the connection may be destroyed within it.
+    std::function<void(const std::string& reason, bool isError)> onEnd;
 
     wl_compositor* compositor() const { return compositor_; }
     wl_shm* memory() const { return memory_; }
@@ -52,11 +69,11 @@ public:
 
 private:
     explicit WaylandDisplay(wl_display* display);
-    bool learn();
-    bool roundTrip();
-    bool receive(int milliseconds);
+    bool learn(int patience);
+    bool roundTrip(int milliseconds);
+    void receive(int milliseconds);
     void dispatch();
-    void lose();
+    void end();
     void appeared(std::uint32_t number, const char* interface, std::uint32_t version);
     void vanished(std::uint32_t number);
     void addOutput(std::uint32_t number, std::uint32_t version);
@@ -74,6 +91,7 @@ private:
     zxdg_output_manager_v1* outputManager_ = nullptr;
     wp_viewporter* viewports_ = nullptr;
     std::vector<std::unique_ptr<Output>> outputs_;
+    Listeners outputsChange_;
     bool isAlive_ = true;
     std::unique_ptr<QSocketNotifier> notifier_;
 };
