@@ -11,9 +11,13 @@
 #include <QScreen>
 #include <QShortcut>
 
+#include <algorithm>
+
 namespace kivo {
 
 namespace {
+
+constexpr int titleHeight = 28;
 
 // Kivo's colours in the places where Qt's own parts and ours look for them.
 QPalette paletteOf(const Surface& surface) {
@@ -34,6 +38,12 @@ QPalette paletteOf(const Surface& surface) {
     return palette;
 }
 
+// Where whoever opens a window looks.
+QRect roomForWindows() {
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    return (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+}
+
 } // namespace
 
 AppWindow::AppWindow(MainLoop& loop, Workspace& workspace, const std::string& title, QSize wanted)
@@ -48,9 +58,13 @@ AppWindow::AppWindow(MainLoop& loop, Workspace& workspace, const std::string& ti
             dismissed();
             close();
         });
-    const QSize room = screen()->availableSize() * 0.94;
+    const QRect place = roomForWindows();
+    const QSize room = place.size() * 0.94;
     setMinimumSize(QSize(400, 320).boundedTo(room));
     resize(wanted.boundedTo(room));
+    // In the middle with its frame, whose corner this is for window managers.
+    const QPoint corner = place.center() - rect().center();
+    move(corner.x(), std::max(corner.y() - titleHeight / 2, place.top()));
 }
 
 AppWindow::~AppWindow() {
