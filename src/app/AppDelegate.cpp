@@ -17,7 +17,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     if (machine_.workspace().environment("XCTestConfigurationFilePath"))
         return;
     coordinator_.start();
-    if (!boolValue(machine_.standardDefaults(), "onboarding.completed.v1"))
+    if (!boolValue(machine_.standardDefaults(), introductionSeenKey))
         machine_.windows().open("onboarding");
 }
 

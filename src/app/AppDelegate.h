@@ -4,9 +4,14 @@
 #include "app/AppCoordinator.h"
 #include "core/SettingsStore.h"
 
+#include <string_view>
+
 namespace kivo {
 
 class Machine;
+
+// In the standard defaults: true once the user has finished the introduction.
+inline constexpr std::string_view introductionSeenKey = "onboarding.completed.v1";
 
 // The application's life: what is built when the process starts, what launching starts, what ending saves.
 class AppDelegate {

@@ -78,7 +78,7 @@ void BatteryMonitor::refreshConditionIfNeeded() {
 }
 
 void BatteryMonitor::readCondition() {
-    processRunner_.run("/usr/sbin/system_profiler", {"SPPowerDataType"},
+    processRunner_.run(systemProfiler, {powerReportArgument},
                        lifetime_.guard([this](const std::optional<std::string>& output) {
                            condition_.set(output ? parseCondition(utf8::repaired(*output)) : std::nullopt);
                        }));

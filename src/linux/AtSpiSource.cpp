@@ -127,6 +127,7 @@ std::optional<AccessibleAnswer> answerFrom(const std::string& application, Acces
 std::vector<std::optional<AccessibleAnswer>>
 AtSpiSource::ask(const std::vector<AccessibleQuestion>& questions) {
     std::vector<Message> calls;
+    calls.reserve(questions.size());
     for (const auto& question : questions)
         calls.push_back(callFor(application_, question));
     const auto replies = connection_->call(std::move(calls));

@@ -8,16 +8,10 @@
 #include <memory>
 
 namespace kivo {
-namespace {
-
-const char* const systemProfiler = "/usr/sbin/system_profiler";
-const char* const powerDataType = "SPPowerDataType";
-
-} // namespace
 
 void LinuxProcessRunner::run(std::string path, std::vector<std::string> arguments,
                              std::function<void(std::optional<std::string>)> done) {
-    if (path == systemProfiler && arguments == std::vector<std::string>{powerDataType}) {
+    if (path == systemProfiler && arguments == std::vector<std::string>{powerReportArgument}) {
         const auto batteries = registry_.matchingServices(smartBatteryClass);
         const bool isThere = batteries && !batteries->empty();
         loop_.post([done = std::move(done), report = powerReport(isThere ? batteries->front() : std::nullopt)] {

@@ -21,7 +21,7 @@ OverlayPresenter::OverlayPresenter(MainLoop& loop, Screens& screens, OverlayPane
 void OverlayPresenter::present(IslandContent content) {
     const auto& current = model_.content.get();
     if (!current || !isBusy() || current->subjectID == content.subjectID) {
-        show(std::move(content));
+        show(content);
         return;
     }
     std::erase_if(queue_, [&](const IslandContent& waiting) { return waiting.subjectID == content.subjectID; });
@@ -39,7 +39,7 @@ void OverlayPresenter::screenChanged() {
     model_.metrics.set(metrics(*screen));
 }
 
-void OverlayPresenter::show(IslandContent content) {
+void OverlayPresenter::show(const IslandContent& content) {
     const auto screen = targetScreen();
     if (!screen)
         return;
@@ -61,9 +61,9 @@ void OverlayPresenter::showNext() {
         panel_.orderOut();
         return;
     }
-    IslandContent next = std::move(queue_.front());
+    const IslandContent next = std::move(queue_.front());
     queue_.pop_front();
-    show(std::move(next));
+    show(next);
 }
 
 std::optional<Screen> OverlayPresenter::targetScreen() {

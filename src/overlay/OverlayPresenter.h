@@ -39,7 +39,7 @@ public:
 
 private:
     bool isBusy() const { return model_.isPresented.get() || dwell_.isRunning(); }
-    void show(IslandContent content);
+    void show(const IslandContent& content);
     void showNext();
     std::optional<Screen> targetScreen();
     IslandMetrics metrics(const Screen& screen);

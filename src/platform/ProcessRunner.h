@@ -8,6 +8,10 @@
 
 namespace kivo {
 
+// The program that reports on the computer's parts, and the argument for the battery's.
+inline constexpr const char* systemProfiler = "/usr/sbin/system_profiler";
+inline constexpr const char* powerReportArgument = "SPPowerDataType";
+
 // Runs helper programs off the main thread.
 class ProcessRunner {
 public:

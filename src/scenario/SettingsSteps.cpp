@@ -4,7 +4,7 @@
 #include "scenario/ScenarioRun.h"
 #include "scenario/StepTable.h"
 #include "support/Json.h"
-#include "ui/SettingsTexts.h"
+#include "ui/SettingsModel.h"
 
 namespace kivo {
 namespace {
@@ -38,7 +38,7 @@ StepTable::Action readSettingsTab(const PropertyValue& value) {
         throw DecodingError("settingsTab cannot be \"" + tab + "\"");
     return [tab](ScenarioRun& run) {
         if (run.application())
-            run.machine().standardDefaults().set("settingsTab", tab);
+            run.machine().standardDefaults().set(settingsTabKey, tab);
     };
 }
 

@@ -14,7 +14,7 @@ std::optional<std::vector<std::optional<Dictionary>>> readDictionaries(const Pro
         if (element.isNull())
             result.emplace_back();
         else
-            result.push_back(reading::object(element, what + "[" + std::to_string(result.size()) + "]"));
+            result.emplace_back(reading::object(element, what + "[" + std::to_string(result.size()) + "]"));
     }
     return result;
 }

@@ -41,7 +41,7 @@ void SimulatedProcessRunner::run(std::string path, std::vector<std::string> argu
                         {{"path", path}, {"arguments", Array(arguments.begin(), arguments.end())}});
     std::optional<std::string> output;
     double duration = 0;
-    if (path == "/usr/sbin/system_profiler" && core_.state.systemProfiler) {
+    if (path == systemProfiler && core_.state.systemProfiler) {
         output = core_.state.systemProfiler->output;
         duration = core_.state.systemProfiler->seconds;
     }

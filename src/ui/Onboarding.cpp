@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/Onboarding.h"
 
-#include "app/AppCoordinator.h"
+#include "app/AppDelegate.h"
 #include "core/AlertDisplay.h"
 #include "platform/UserDefaults.h"
 #include "support/Text.h"
@@ -122,7 +122,7 @@ void Onboarding::next() {
 }
 
 void Onboarding::finish() {
-    defaults_.set("onboarding.completed.v1", true);
+    defaults_.set(introductionSeenKey, true);
     if (onFinish)
         onFinish();
 }

@@ -9,14 +9,9 @@
 #include <utility>
 
 namespace kivo {
-namespace {
-
-constexpr std::string_view tabKey = "settingsTab";
-
-} // namespace
 
 SettingsTab selectedTab(UserDefaults& defaults) {
-    const auto stored = defaults.value(tabKey);
+    const auto stored = defaults.value(settingsTabKey);
     const std::string* name = stored ? stored->string() : nullptr;
     return name ? settingsTabs.value(*name).value_or(SettingsTab::alerts) : SettingsTab::alerts;
 }
@@ -51,7 +46,7 @@ SettingsTab SettingsModel::tab() const {
 
 void SettingsModel::select(SettingsTab tab) {
     if (tab != this->tab())
-        defaults_.set(tabKey, std::string(settingsTabs.name(tab)));
+        defaults_.set(settingsTabKey, std::string(settingsTabs.name(tab)));
 }
 
 void SettingsModel::setEnergyWindow(EnergyMonitor::Window window) {

@@ -8,6 +8,7 @@
 #include "ui/SettingsTexts.h"
 
 #include <functional>
+#include <string_view>
 
 namespace kivo {
 
@@ -15,6 +16,9 @@ class AppCoordinator;
 class UserDefaults;
 class Windows;
 class Workspace;
+
+// In the standard defaults: the name of the tab that was selected last.
+inline constexpr std::string_view settingsTabKey = "settingsTab";
 
 // The tab that was selected last, also by an earlier launch; the first where none is remembered, or none of the
 // tabs there are.

@@ -59,13 +59,13 @@ bool isManager(std::string_view service) {
 
 std::optional<UnitOwner> owner(std::string_view unit) {
     if (takeEnd(unit, ".scope")) {
-        if (const auto found = snap(unit))
+        if (auto found = snap(unit))
             return found;
         const auto dash = unit.rfind('-'); // before the random part
         return dash == unit.npos ? std::nullopt : application(unit.substr(0, dash));
     }
     if (takeEnd(unit, ".service")) {
-        if (const auto found = application(unit.substr(0, unit.find('@'))))
+        if (auto found = application(unit.substr(0, unit.find('@'))))
             return found;
         if (isManager(unit))
             return std::nullopt;
@@ -96,7 +96,7 @@ std::optional<UnitOwner> unitOwner(std::string_view cgroup) {
     while (!path.empty()) {
         const auto slash = path.rfind('/');
         const auto unit = path.substr(slash == path.npos ? 0 : slash + 1);
-        if (const auto found = owner(unit))
+        if (auto found = owner(unit))
             return found;
         path.remove_suffix(slash == path.npos ? path.size() : path.size() - slash);
     }

@@ -90,6 +90,7 @@ std::vector<std::string> curl(const std::string& address, FeedWay way, int deadl
 
 pid_t start(std::vector<std::string> command, int output, int errors) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (auto& word : command)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
