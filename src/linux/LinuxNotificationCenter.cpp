@@ -33,7 +33,7 @@ LinuxNotificationCenter::LinuxNotificationCenter(const QDBusConnection& session)
 LinuxNotificationCenter::~LinuxNotificationCenter() = default;
 
 void LinuxNotificationCenter::findService(
-    std::function<void(std::optional<bool> isThere, const QString& error)> done) {
+    const std::function<void(std::optional<bool> isThere, const QString& error)>& done) {
     const auto askActivatable = [this, done](const QDBusMessage&) {
         callBus(bus_, busCall(QStringLiteral("ListActivatableNames"), {}), this,
                 [done](const QDBusMessage& reply) {

@@ -41,7 +41,7 @@ private:
         NotificationRequest request;
         std::function<void(std::optional<std::string>)> done;
     };
-    void findService(std::function<void(std::optional<bool> isThere, const QString& error)> done);
+    void findService(const std::function<void(std::optional<bool> isThere, const QString& error)>& done);
     void sendWaiting();
     void askCapabilities();
     void send(Job job);
