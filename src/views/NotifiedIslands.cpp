@@ -14,7 +14,7 @@ void NotifiedIslands::show(OverlayModel& model) {
 void NotifiedIslands::notify(const OverlayModel& model) {
     if (const auto& content = model.content.get())
         notifications_.add({"kivo." + content->subjectID, content->title, content->subtitle},
-                           [](std::optional<std::string>) {});
+                           [](const std::optional<std::string>&) {});
 }
 
 } // namespace kivo
