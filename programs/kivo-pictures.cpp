@@ -153,6 +153,7 @@ struct Scene {
     bool reducesMotion = false;
     const Ground* ground = &dark;
     std::vector<double> times; // of the frames, seconds
+    double scale = 1;
 };
 
 const std::vector<double> appearing{0.02, 0.05, 0.08, 0.12, 0.16, 0.2, 0.25, 0.3,
@@ -162,7 +163,7 @@ const std::vector<double> wholeLife{0.03, 0.06, 0.1, 0.15, 0.2,  0.26, 0.34, 0.4
 
 void paintFilm(const QDir& folder, const Scene& scene) {
     IslandFilm film(scene.metrics, scene.reducesMotion);
-    Strip strip(4, scene.part.size().toSize());
+    Strip strip(scene.scale > 1 ? 2 : 4, (scene.part.size() * scene.scale).toSize());
     std::size_t act = 0;
     for (double time : scene.times) {
         for (; act < scene.acts.size() && scene.acts[act] <= time; ++act) {
@@ -170,10 +171,19 @@ void paintFilm(const QDir& folder, const Scene& scene) {
             scene.act(film, static_cast<int>(act));
         }
         film.advanceTo(time);
-        strip.add(still(film, scene.metrics, scene.part, *scene.ground, 1),
-                  QString::number(time, 'f', 2) + " s");
+        QImage image = still(film, scene.metrics, scene.part, *scene.ground, scene.scale);
+        image.setDevicePixelRatio(1);
+        strip.add(std::move(image), QString::number(time, 'f', 2) + " s");
     }
     strip.save(folder.filePath(QStringLiteral("film-%1.png").arg(scene.name)));
+}
+
+IslandContent longTexts() {
+    IslandContent content =
+        device("The keyboard in the meeting room on the second floor, by the window",
+               "L 80% (charging) · R 75% (charging) · Case 40% (charging)", "keyboard.fill", 8);
+    content.tint = red;
+    return content;
 }
 
 void paintFilms(const QDir& folder) {
@@ -211,6 +221,16 @@ void paintFilms(const QDir& folder) {
                        {0.02, 0.05, 0.1, 0.15, 0.2, 0.5, 1.02, 1.05, 1.1, 1.15, 1.19, 1.21}});
     paintFilm(folder,
               {"airpods-notch", notched, topPart(notched), out(earbuds()), life, false, &light, appearing});
+    paintFilm(folder, {"long-texts", plain, topPart(plain), out(longTexts()), life, false, &dark, appearing});
+    paintFilm(folder, {"unplug-notch-2x",
+                       notched,
+                       topPart(notched),
+                       out(unplugged()),
+                       life,
+                       false,
+                       &light,
+                       {0.05, 0.1, 0.16, 0.25, 0.36, 0.5, 0.9, 2.5, 3.06, 3.12, 3.19, 3.3},
+                       2});
 }
 
 struct Kind {
@@ -226,10 +246,6 @@ std::vector<Kind> kinds() {
     IslandContent full = macContent("Fully charged", "You can unplug now", 100, green);
     IslandContent low = macContent("20% left", "1 h 5 min until empty", 20, {255, 69, 58});
     IslandContent lowPower = macContent("Unplugged", "50%", 50, yellow);
-    IslandContent longText =
-        device("The keyboard in the meeting room on the second floor, by the window",
-               "L 80% (charging) · R 75% (charging) · Case 40% (charging)", "keyboard.fill", 8);
-    longText.tint = red;
     return {{"unplugged, notch", unplugged(), notched},
             {"charging, no notch", charging(), plain},
             {"critical, notch", urgentTop, notched},
@@ -240,8 +256,8 @@ std::vector<Kind> kinds() {
             {"low", low, notched},
             {"Low Power Mode", lowPower, plain},
             {"phone", device("Anna’s phone", "78% · connected", "iphone", 78), plain},
-            {"long texts", longText, notched},
-            {"long texts, no notch", longText, plain}};
+            {"long texts", longTexts(), notched},
+            {"long texts, no notch", longTexts(), plain}};
 }
 
 void paintKinds(const QDir& folder, const Ground& ground) {
