@@ -19,9 +19,8 @@ std::int64_t rounded(double value) {
     return static_cast<std::int64_t>(std::clamp(std::round(value), -most, most));
 }
 
-// Exact halves go to the even digit, as number formats have it.
 std::string oneDecimal(double value) {
-    return decimalText(value, 1);
+    return decimalText(std::round(value * 10) / 10, 1);
 }
 
 // "Jan 5 at 9 AM" by the clocks of the place.
