@@ -19,11 +19,12 @@ std::int64_t rounded(double value) {
     return static_cast<std::int64_t>(std::clamp(std::round(value), -most, most));
 }
 
+// Exact halves go away from zero here too.
 std::string oneDecimal(double value) {
     return decimalText(std::round(value * 10) / 10, 1);
 }
 
-// "Jan 5 at 9 AM" by the clocks of the place.
+// "Jan 5, 9 AM" by the clocks of the place.
 std::string dayAndHour(Date date, const TimeZone& calendar) {
     using namespace std::chrono;
     // Hours come from a file; a calendar ends far sooner than doubles do.
@@ -36,7 +37,7 @@ std::string dayAndHour(Date date, const TimeZone& calendar) {
     const sys_days day = floor<days>(sys_seconds(std::chrono::seconds(local)));
     const year_month_day civil(day);
     const auto hour = (local - std::chrono::seconds(day.time_since_epoch()).count()) / 3600;
-    return localized("%@ %lld at %lld %@",
+    return localized("%@ %lld, %lld %@",
                      {localized(months[static_cast<unsigned>(civil.month()) - 1]),
                       static_cast<std::int64_t>(static_cast<unsigned>(civil.day())),
                       static_cast<std::int64_t>((hour + 11) % 12 + 1), localized(hour < 12 ? "AM" : "PM")});

@@ -86,7 +86,7 @@ TEST(EnergyRoad, ThePaneTellsWhatItsPeriodHolds) {
             lines.push_back(*empty->at("title").string());
         return lines;
     };
-    const std::string since = "History since Jan 5 at 2 PM";
+    const std::string since = "History since Jan 5, 2 PM";
     const std::string insight = R"("**Browser** used 50% of the energy in the last hour")";
     EXPECT_EQ(told(0), (Lines{"Collecting history", "null", "No data yet"}));
     EXPECT_EQ(told(1), (Lines{since, insight, "Browser 1 mWh · 50% \"/Applications/Browser.app\""}));
