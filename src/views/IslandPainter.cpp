@@ -2,51 +2,17 @@
 #include "views/IslandPainter.h"
 
 #include "views/Convert.h"
+#include "views/Pixels.h"
+
+#include <QPainter>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 
 namespace kivo {
 
 namespace {
-
-// A stroke that fades to its sides: wider and fainter strokes under one another, outermost first. `widths`
-// and `shares` follow the profile of a blurred line, so that no blur has to run for each frame.
-struct SoftStroke {
-    double extraWidth; // points, both sides together
-    double share;
-};
-constexpr std::array<SoftStroke, 4> halo{{{7.4, 0.05}, {5.0, 0.08}, {3.0, 0.12}, {1.4, 0.16}}};
-
-void stroke(QPainter& painter, const QPainterPath& path, const QColor& color, double width) {
-    painter.strokePath(path, QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-}
-
-// The tip glows up towards its head.
-void paintTip(QPainter& painter, const IslandFrame& island) {
-    const double head = std::clamp(island.tip.head, 0.0, 1.0);
-    const QPainterPath ring = toQPainterPath(island.tip.ring.path(island.ringFrame));
-    const QPainterPath tip = toQPainterPath(island.tip.path(island.ringFrame));
-    if (tip.isEmpty())
-        return;
-    const double tail = head - island.tip.length;
-    QLinearGradient light(ring.pointAtPercent(tail < 0 ? tail + 1 : tail), ring.pointAtPercent(head));
-    const QColor bright = toQColor({255, 255, 255}, ringLook::tipOpacity);
-    auto dimmed = [&bright](double share) {
-        QColor color = bright;
-        color.setAlphaF(static_cast<float>(bright.alphaF() * share));
-        return color;
-    };
-    light.setColorAt(0, dimmed(0));
-    light.setColorAt(0.45, dimmed(0.35));
-    light.setColorAt(1, bright);
-    painter.save();
-    painter.setCompositionMode(QPainter::CompositionMode_Plus);
-    painter.strokePath(tip, QPen(light, ringLook::tipWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.restore();
-}
 
 double mixedBlur(double first, double second) {
     return std::hypot(first, second);
@@ -80,49 +46,67 @@ void IslandPainter::release() {
 
 void IslandPainter::releaseContents() {
     texts_.keepOnly({});
+    ring_.release();
+    body_ = {};
+    picture_ = {};
 }
 
 void IslandPainter::paint(QPainter& painter, const IslandFrame& island, double scale) {
     texts_.keepOnly(island.layers);
+    if (island.bodyOpacity <= 0)
+        return;
+    const QTransform toDevice = painter.deviceTransform();
+    const QRect device(0, 0, painter.device()->width(), painter.device()->height());
+    const QRect place = toDevice.mapRect(bounds(island)).toAlignedRect() & device;
+    if (place.isEmpty())
+        return;
+    if (picture_.size() != place.size())
+        picture_ = QImage(place.size(), QImage::Format_ARGB32_Premultiplied);
+    picture_.fill(Qt::transparent);
+    const QPointF origin = toDevice.map(QPointF(island.nudge, 0)) - place.topLeft();
+    const PixelGrid grid{toDevice.m11(), {origin.x(), origin.y()}};
+    shadow_.paint(picture_, island, grid);
+    paintBody(island, grid);
+    ring_.paint(picture_, island, grid);
+
+    painter.save();
+    const double ratio = painter.device()->devicePixelRatio();
+    painter.setWorldTransform(QTransform::fromScale(1 / ratio, 1 / ratio));
+    painter.drawImage(place.topLeft(), picture_);
+    painter.restore();
+    paintContents(painter, island, scale);
+}
+
+// Black over a shadow that is cut out beneath it, so that none shines through a fading body.
+void IslandPainter::paintBody(const IslandFrame& island, const PixelGrid& grid) {
+    body_.reset(picture_.size());
+    body_.add(toPixels(island.body.path(island.frame), grid));
+    const std::uint32_t black = premultiplied({}, std::min(island.bodyOpacity, 1.0));
+    for (int y = 0; y < picture_.height(); ++y) {
+        auto* row = reinterpret_cast<std::uint32_t*>(picture_.scanLine(y));
+        body_.eachStretch(y, [&](int from, int to, float share) {
+            const auto alpha = static_cast<std::uint32_t>(share * 255 + 0.5F);
+            if (alpha == 255)
+                std::fill(row + from, row + to, black);
+            else
+                for (int x = from; x < to; ++x)
+                    row[x] = scaled(row[x], 255 - alpha) + scaled(black, alpha);
+        });
+    }
+}
+
+void IslandPainter::paintContents(QPainter& painter, const IslandFrame& island, double scale) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(island.nudge, 0);
-    paintBody(painter, island, scale);
-    painter.restore();
-}
-
-void IslandPainter::paintBody(QPainter& painter, const IslandFrame& island, double scale) {
-    const QPainterPath body = toQPainterPath(island.body.path(island.frame));
-    if (island.bodyOpacity <= 0)
-        return;
-    shadow_.paint(painter, toQRectF(island.frame), island, scale);
-    if (island.bodyOpacity < 1 && island.shadowOpacity > 0) {
-        painter.save();
-        painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-        painter.fillPath(body, Qt::black);
-        painter.restore();
-    }
-    painter.setOpacity(island.bodyOpacity);
-    painter.fillPath(body, Qt::black);
-    painter.setOpacity(island.ringOpacity);
-    paintRing(painter, island);
-    painter.setClipPath(body);
+    const QRectF frame = toQRectF(island.frame);
+    // A full-grown island has room for all of it; before, the body's outline cuts it.
+    if (!frame.contains(toQRectF(island.contentFrame)))
+        painter.setClipPath(toQPainterPath(island.body.path(island.frame)));
     painter.setOpacity(island.contentOpacity);
     for (const IslandContentLayer& layer : island.layers)
         paintLayer(painter, island, layer, scale);
-}
-
-void IslandPainter::paintRing(QPainter& painter, const IslandFrame& island) {
-    const Path ring = island.ring.path(island.ringFrame);
-    stroke(painter, toQPainterPath(ring), toQColor({255, 255, 255}, ringLook::trackOpacity), ringLook::width);
-    const QPainterPath progress = toQPainterPath(ring.trimmed(0, island.ringProgress));
-    if (progress.isEmpty())
-        return;
-    for (const SoftStroke& soft : halo)
-        stroke(painter, progress, toQColor(island.tint, soft.share * ringLook::haloOpacity),
-               ringLook::width + soft.extraWidth);
-    stroke(painter, progress, toQColor(island.tint), ringLook::width);
-    paintTip(painter, island);
+    painter.restore();
 }
 
 void IslandPainter::paintLayer(QPainter& painter, const IslandFrame& island, const IslandContentLayer& layer,

@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "views/IslandRingPainter.h"
 #include "views/IslandShadow.h"
 #include "views/IslandTexts.h"
 
 namespace kivo {
 
 // Paints an island as its frame says, in points of the panel. What is costly (texts, shadow) is painted once
-// and kept, so that a frame is a few strokes and copies; `release` gives it all back.
+// and kept; what changes with every frame (body and ring) is worked out pixel by pixel. `release` gives it all
+// back.
 class IslandPainter {
 public:
-    // The surface must be transparent where the island goes: what lies under a fading body is cut out of it.
-    // `scale` is device pixels per point; the painter's own transformation has it already.
+    // The surface must be transparent where the island goes. `scale` is device pixels per point; the painter's
+    // own transformation has it already and does nothing else but move.
     void paint(QPainter& painter, const IslandFrame& island, double scale);
     // Everything that `paint` may touch.
     static QRectF bounds(const IslandFrame& island);
@@ -22,12 +24,15 @@ public:
     void releaseContents();
 
 private:
-    void paintBody(QPainter& painter, const IslandFrame& island, double scale);
-    void paintRing(QPainter& painter, const IslandFrame& island);
+    void paintBody(const IslandFrame& island, const PixelGrid& grid);
+    void paintContents(QPainter& painter, const IslandFrame& island, double scale);
     void paintLayer(QPainter& painter, const IslandFrame& island, const IslandContentLayer& layer,
                     double scale);
 
+    QImage picture_; // shadow, body and ring
     IslandShadow shadow_;
+    CoverageMap body_;
+    IslandRingPainter ring_;
     IslandTexts texts_;
 };
 

@@ -2,7 +2,6 @@
 #include "views/PaintedWindow.h"
 
 #include "views/DisplaySelection.h"
-#include "views/PaintAlone.h"
 
 #include <QBackingStore>
 #include <QPainter>
@@ -28,18 +27,6 @@ public:
     }
 
     void repaint(QRect part) {
-        paintWith(part, [](const auto& painting) { paintAlone(painting); });
-    }
-
-protected:
-    // The first frame has hardly anything in it, and a thread is not woken for that.
-    void exposeEvent(QExposeEvent* /*event*/) override {
-        paintWith({{}, size()}, [](const auto& painting) { painting(); });
-    }
-
-private:
-    template <typename Run>
-    void paintWith(QRect part, const Run& run) {
         part &= QRect({}, size());
         if (!isExposed() || part.isEmpty())
             return;
@@ -48,18 +35,22 @@ private:
             part = QRect({}, size());
         }
         store_.beginPaint(part);
-        run([&] {
+        {
             QPainter painter(store_.paintDevice());
             painter.setClipRect(part);
             painter.setCompositionMode(QPainter::CompositionMode_Source);
             painter.fillRect(part, Qt::transparent);
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
             paint_(painter, part);
-        });
+        }
         store_.endPaint();
         store_.flush(part);
     }
 
+protected:
+    void exposeEvent(QExposeEvent* /*event*/) override { repaint({{}, size()}); }
+
+private:
     OverlaySurface::Paint paint_;
     QBackingStore store_;
 };
