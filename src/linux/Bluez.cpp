@@ -132,31 +132,18 @@ void Bluez::propertiesChanged(const QString&, const QVariantMap& changed, const 
         listeners_.notify();
 }
 
-// By the owner's unique name: a rule with the well-known one would make Qt ask the bus for its owner and wait.
 void Bluez::followManager(bool isFollowed) {
-    if (connectedOwner_.isEmpty())
-        return;
     const auto follow = [&](const QString& signal, const char* slot) {
-        if (isFollowed)
-            bus_.connect(connectedOwner_, rootPath, managerInterface, signal, this, slot);
-        else
-            bus_.disconnect(connectedOwner_, rootPath, managerInterface, signal, this, slot);
+        followSignal(bus_, {connectedOwner_, rootPath, managerInterface, signal}, this, slot, isFollowed);
     };
     follow(QStringLiteral("InterfacesAdded"), SLOT(interfacesAdded(QDBusMessage)));
     follow(QStringLiteral("InterfacesRemoved"), SLOT(interfacesRemoved(QDBusMessage)));
 }
 
 void Bluez::followDevice(const QString& path, bool isFollowed) {
-    const QString signal = QStringLiteral("PropertiesChanged");
-    const char* slot = SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage));
-    for (const auto& interface : {deviceInterface, batteryInterface}) {
-        const QStringList arguments{interface};
-        if (isFollowed)
-            bus_.connect(connectedOwner_, path, propertiesInterface, signal, arguments, QString(), this, slot);
-        else
-            bus_.disconnect(connectedOwner_, path, propertiesInterface, signal, arguments, QString(), this,
-                            slot);
-    }
+    for (const auto& interface : {deviceInterface, batteryInterface})
+        followSignal(bus_, propertiesOf(connectedOwner_, path, interface), this,
+                     SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage)), isFollowed);
 }
 
 } // namespace kivo

@@ -66,6 +66,21 @@ QDBusMessage busCall(const QString& method, const QVariantList& arguments) {
     return call;
 }
 
+SignalSource propertiesOf(const QString& sender, const QString& path, const QString& interface) {
+    return {sender, path, propertiesInterface, QStringLiteral("PropertiesChanged"), {interface}};
+}
+
+void followSignal(QDBusConnection& bus, const SignalSource& source, QObject* receiver, const char* slot,
+                  bool isFollowed) {
+    const auto& [sender, path, interface, signal, arguments] = source;
+    if (sender.isEmpty())
+        return;
+    if (isFollowed)
+        bus.connect(sender, path, interface, signal, arguments, QString(), receiver, slot);
+    else
+        bus.disconnect(sender, path, interface, signal, arguments, QString(), receiver, slot);
+}
+
 QString busText(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }

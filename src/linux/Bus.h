@@ -7,6 +7,7 @@
 #include <QDBusMessage>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 
 #include <functional>
@@ -25,6 +26,24 @@ QDBusMessage busCall(const QString& method, const QVariantList& arguments);
 
 // The interface of every object's properties.
 inline const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+// Where a signal comes from. The sender is best a unique name: with a well-known one Qt asks the bus for its
+// owner and waits for the answer.
+struct SignalSource {
+    QString sender;
+    QString path;
+    QString interface;
+    QString signal;
+    QStringList arguments{}; // the first arguments that a signal must have; empty for any
+};
+
+// That an object's interface has other properties.
+SignalSource propertiesOf(const QString& sender, const QString& path, const QString& interface);
+
+// Calls the slot (`SLOT(…)`) for each signal of the source, or no longer does. Nothing is asked of a bus
+// without a sender.
+void followSignal(QDBusConnection& bus, const SignalSource& source, QObject* receiver, const char* slot,
+                  bool isFollowed);
 
 // UTF-8 as the bus's binding takes it.
 QString busText(std::string_view utf8);

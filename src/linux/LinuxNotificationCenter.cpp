@@ -180,12 +180,8 @@ void LinuxNotificationCenter::followClosing() {
     if (isFollowingClosing_ == !shown_.empty())
         return;
     isFollowingClosing_ = !isFollowingClosing_;
-    const QString name = QStringLiteral("NotificationClosed");
-    const char* const slot = SLOT(notificationClosed(uint, uint));
-    if (isFollowingClosing_)
-        bus_.connect(service, path, service, name, this, slot);
-    else
-        bus_.disconnect(service, path, service, name, this, slot);
+    followSignal(bus_, {service, path, service, QStringLiteral("NotificationClosed")}, this,
+                 SLOT(notificationClosed(uint, uint)), isFollowingClosing_);
 }
 
 } // namespace kivo

@@ -89,13 +89,16 @@ void PortalLoginService::request(bool wantsAutostart) {
 
 void PortalLoginService::follow(const QString& path) {
     request_ = path;
-    bus_.connect(portal, path, requestInterface, QStringLiteral("Response"), this,
-                 SLOT(responded(QDBusMessage)));
+    followResponse(true);
+}
+
+void PortalLoginService::followResponse(bool isFollowed) {
+    followSignal(bus_, {portal, request_, requestInterface, QStringLiteral("Response")}, this,
+                 SLOT(responded(QDBusMessage)), isFollowed);
 }
 
 void PortalLoginService::forget() {
-    bus_.disconnect(portal, request_, requestInterface, QStringLiteral("Response"), this,
-                    SLOT(responded(QDBusMessage)));
+    followResponse(false);
     request_.clear();
 }
 

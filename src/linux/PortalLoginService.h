@@ -35,6 +35,7 @@ private Q_SLOTS:
 private:
     void request(bool wantsAutostart);
     void follow(const QString& path);
+    void followResponse(bool isFollowed);
     void forget();
     void end(const std::optional<std::string>& error);
 

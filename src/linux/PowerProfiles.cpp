@@ -59,16 +59,8 @@ void PowerProfiles::ownerChanged(Daemon& daemon, const QString& owner) {
 }
 
 void PowerProfiles::follow(Daemon& daemon, bool isFollowed) {
-    if (daemon.owner.isEmpty())
-        return;
-    const QString signal = QStringLiteral("PropertiesChanged");
-    const QStringList arguments{daemon.name};
-    const char* slot = SLOT(propertiesChanged(QString, QVariantMap));
-    if (isFollowed)
-        bus_.connect(daemon.owner, daemon.path, propertiesInterface, signal, arguments, QString(), this, slot);
-    else
-        bus_.disconnect(daemon.owner, daemon.path, propertiesInterface, signal, arguments, QString(), this,
-                        slot);
+    followSignal(bus_, propertiesOf(daemon.owner, daemon.path, daemon.name), this,
+                 SLOT(propertiesChanged(QString, QVariantMap)), isFollowed);
 }
 
 void PowerProfiles::ask(Daemon& daemon) {

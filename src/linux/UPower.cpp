@@ -170,28 +170,17 @@ void UPower::propertiesChanged(const QString&, const QVariantMap& changed, const
         listeners_.notify();
 }
 
-// By the owner's unique name: a rule with the well-known one would make Qt ask the bus for its owner and wait.
 void UPower::followManager(bool isFollowed) {
-    if (connectedOwner_.isEmpty())
-        return;
     const auto follow = [&](const QString& signal, const char* slot) {
-        if (isFollowed)
-            bus_.connect(connectedOwner_, managerPath, managerInterface, signal, this, slot);
-        else
-            bus_.disconnect(connectedOwner_, managerPath, managerInterface, signal, this, slot);
+        followSignal(bus_, {connectedOwner_, managerPath, managerInterface, signal}, this, slot, isFollowed);
     };
     follow(QStringLiteral("DeviceAdded"), SLOT(deviceAdded(QDBusMessage)));
     follow(QStringLiteral("DeviceRemoved"), SLOT(deviceRemoved(QDBusMessage)));
 }
 
 void UPower::followDevice(const QString& path, bool isFollowed) {
-    const QString signal = QStringLiteral("PropertiesChanged");
-    const QStringList arguments{deviceInterface};
-    const char* slot = SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage));
-    if (isFollowed)
-        bus_.connect(connectedOwner_, path, propertiesInterface, signal, arguments, QString(), this, slot);
-    else
-        bus_.disconnect(connectedOwner_, path, propertiesInterface, signal, arguments, QString(), this, slot);
+    followSignal(bus_, propertiesOf(connectedOwner_, path, deviceInterface), this,
+                 SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage)), isFollowed);
 }
 
 } // namespace kivo

@@ -13,12 +13,6 @@
 
 namespace kivo {
 
-namespace {
-
-constexpr double frameSeconds = 1.0 / 60;
-
-} // namespace
-
 IslandPreview::IslandPreview(Kit& kit) : kit_(kit), demo_(kit.loop, kit.workspace) {
     setAccessibleName(toQString(localized(demoScene::accessibilityLabel)));
     setMaximumSize(sizeHint());
@@ -52,7 +46,7 @@ void IslandPreview::step() {
         return;
     update();
     if (demo_.isMoving(kit_.loop.now()))
-        nextFrame_ = kit_.loop.after(seconds(frameSeconds), [this] { step(); });
+        nextFrame_ = kit_.loop.after(windowFrame, [this] { step(); });
 }
 
 // On a layer of its own, as an island's window is on a screen. Qt paints on no image with less than a pixel a

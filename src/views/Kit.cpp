@@ -7,12 +7,6 @@
 
 namespace kivo {
 
-namespace {
-
-constexpr double frameSeconds = 1.0 / 60;
-
-} // namespace
-
 Moving::Moving(Kit& kit, QWidget& control, double value) : kit_(kit), control_(control), value_(value) {}
 
 void Moving::set(double value) {
@@ -35,7 +29,7 @@ void Moving::go(double target, const Animation& animation) {
 void Moving::step() {
     control_.update();
     if (kit_.loop.now() < value_.settlesAt())
-        nextFrame_ = kit_.loop.after(seconds(frameSeconds), [this] { step(); });
+        nextFrame_ = kit_.loop.after(windowFrame, [this] { step(); });
 }
 
 } // namespace kivo

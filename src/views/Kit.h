@@ -11,6 +11,9 @@ namespace kivo {
 
 class Workspace;
 
+// Between two pictures of what moves inside a window. The island itself follows the screen's own rate.
+inline const Duration windowFrame = seconds(1.0 / 60);
+
 // What the controls of a window share. Owned by the window, which its controls do not outlive.
 struct Kit {
     MainLoop& loop;

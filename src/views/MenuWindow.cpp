@@ -3,6 +3,7 @@
 
 #include "views/Convert.h"
 #include "views/DisplaySelection.h"
+#include "views/Kit.h"
 #include "views/Typeface.h"
 
 #include <QApplication>
@@ -25,7 +26,6 @@ constexpr int footerGap = 12;
 constexpr int tileGap = 8;
 constexpr int leastTileWidth = 70;
 constexpr double shareOfScreen = 0.7;
-constexpr double frameSeconds = 1.0 / 60;
 
 } // namespace
 
@@ -305,7 +305,7 @@ void MenuWindow::paintEvent(QPaintEvent*) {
 
 void MenuWindow::wake() {
     if (!nextFrame_)
-        nextFrame_ = context_.loop.after(seconds(frameSeconds), [this] { drawFrame(); });
+        nextFrame_ = context_.loop.after(windowFrame, [this] { drawFrame(); });
 }
 
 void MenuWindow::drawFrame() {
