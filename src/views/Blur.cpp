@@ -120,6 +120,8 @@ void SoftImage::paint(QPainter& painter, QPointF position, double radius, double
     painter.save();
     painter.setOpacity(painter.opacity() * std::min(opacity, 1.0));
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    // The margin's edge cannot be seen; smoothing it would cut every row in three and wake Qt's other threads.
+    painter.setRenderHint(QPainter::Antialiasing, false);
     const QPointF corner = position - QPointF(margin_, margin_);
     if (share < 0.01)
         painter.drawImage(corner, level(lower));

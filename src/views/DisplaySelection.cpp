@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "views/DisplaySelection.h"
 
-#include <QGuiApplication>
-
-#include <xcb/xcb.h>
+#include "views/X11Connection.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -14,11 +12,6 @@
 namespace kivo {
 
 namespace {
-
-xcb_connection_t* connection() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
 
 // Each is asked for once: an answer of the display takes its time.
 xcb_atom_t atom(xcb_connection_t* display, std::string_view name) {
@@ -35,7 +28,7 @@ xcb_atom_t atom(xcb_connection_t* display, std::string_view name) {
 } // namespace
 
 bool isSelectionOwned(std::string_view name) {
-    xcb_connection_t* display = connection();
+    xcb_connection_t* display = x11Connection();
     if (!display)
         return false;
     auto* owner =
@@ -46,7 +39,7 @@ bool isSelectionOwned(std::string_view name) {
 }
 
 bool isCompositing() {
-    return !connection() || isSelectionOwned("_NET_WM_CM_S0");
+    return !x11Connection() || isSelectionOwned("_NET_WM_CM_S0");
 }
 
 } // namespace kivo

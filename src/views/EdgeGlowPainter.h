@@ -23,8 +23,11 @@ inline constexpr std::array<Edge, 4> edges{Edge::top, Edge::bottom, Edge::left, 
 // The strip of an edge in a screen of `screen` points (y down): top and bottom have the corners.
 QRectF strip(Edge edge, QSizeF screen);
 
-// Premultiplied, with the device pixel ratio set.
+// The strip at `scale` pixels per point: premultiplied, with the device pixel ratio set.
 QImage paint(Edge edge, QSizeF screen, Color tint, double scale);
+// The same into a picture of the strip's size, in place of what it shows.
+void paintInto(QImage& image, Edge edge, QSizeF screen, Color tint, double scale);
+QSize pixels(Edge edge, QSizeF screen, double scale);
 
 } // namespace edgeglow
 

@@ -78,10 +78,16 @@ void EdgeGlowWindows::make(Color color, QScreen* screen, bool isCompositing) {
 
 void EdgeGlowWindows::paint(QPainter& painter, edgeglow::Edge edge, const QRect& part) {
     if (isCompositing_) {
-        // It takes the whole strip: a copy.
+        const QSizeF screen = screen_->geometry().size();
+        const double scale = painter.device()->devicePixelRatio();
+        auto* image = dynamic_cast<QImage*>(painter.device());
+        if (image && image->format() == QImage::Format_ARGB32_Premultiplied &&
+            image->size() == edgeglow::pixels(edge, screen, scale)) {
+            edgeglow::paintInto(*image, edge, screen, color_, scale);
+            return;
+        }
         painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.drawImage(QPointF(0, 0), edgeglow::paint(edge, screen_->geometry().size(), color_,
-                                                         painter.device()->devicePixelRatio()));
+        painter.drawImage(QPointF(0, 0), edgeglow::paint(edge, screen, color_, scale));
         return;
     }
     const auto dimmed = [this](std::uint8_t part8) { return static_cast<int>(part8 * opacity_); };

@@ -72,6 +72,7 @@ void IslandPainter::paint(QPainter& painter, const IslandFrame& island, double s
     painter.save();
     const double ratio = painter.device()->devicePixelRatio();
     painter.setWorldTransform(QTransform::fromScale(1 / ratio, 1 / ratio));
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawImage(place.topLeft(), picture_);
     painter.restore();
     paintContents(painter, island, scale);

@@ -12,7 +12,7 @@ namespace kivo {
 // back.
 class IslandPainter {
 public:
-    // The surface must be transparent where the island goes. `scale` is device pixels per point; the painter's
+    // In place of what the surface shows within the bounds. `scale` is device pixels per point; the painter's
     // own transformation has it already and does nothing else but move.
     void paint(QPainter& painter, const IslandFrame& island, double scale);
     // Everything that `paint` may touch.

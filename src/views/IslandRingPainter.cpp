@@ -25,23 +25,18 @@ double softLine(double distance, double width, double deviation) {
     return (std::erf((distance + width / 2) / unit) - std::erf((distance - width / 2) / unit)) / 2;
 }
 
+// Most of a ring lies on the body.
+std::uint32_t overBody(std::uint32_t upper, std::uint32_t lower) {
+    constexpr std::uint32_t black = 0xff000000;
+    return lower == black ? upper | black : over(upper, lower);
+}
+
 Point between(Point a, Point b, double share) {
     return {a.x + (b.x - a.x) * share, a.y + (b.y - a.y) * share};
 }
 
 double lengthOf(Point a, Point b) {
-    return std::hypot(b.x - a.x, b.y - a.y);
-}
-
-double squareDistance(Point point, Point from, Point to) {
-    const Point along{to.x - from.x, to.y - from.y};
-    const double square = along.x * along.x + along.y * along.y;
-    const double place =
-        square > 0
-            ? std::clamp(((point.x - from.x) * along.x + (point.y - from.y) * along.y) / square, 0.0, 1.0)
-            : 0;
-    const Point nearest = between(from, to, place);
-    return (point.x - nearest.x) * (point.x - nearest.x) + (point.y - nearest.y) * (point.y - nearest.y);
+    return std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
 }
 
 } // namespace
@@ -101,49 +96,32 @@ void IslandRingPainter::measure(const std::vector<Point>& ring, double progress)
 }
 
 // The tip glows up towards its head, added to what is beneath.
-void IslandRingPainter::paintTip(QImage& picture, const IslandFrame& island, const PixelGrid& grid) const {
+void IslandRingPainter::paintTip(QImage& picture, const IslandFrame& island, const PixelGrid& grid) {
     const std::vector<Path::Polyline> parts = island.tip.path(island.ringFrame).flattened(0.05 / grid.scale);
     if (parts.empty())
         return;
-    std::vector<std::vector<Point>> lines;
-    double left = picture.width(), right = 0, top = picture.height(), bottom = 0;
-    const double room = (ringLook::tipWidth / 2 + ringLook::tipBlur) * grid.scale + 1;
+    tip_.reset(picture.size(), (ringLook::tipWidth / 2 + ringLook::tipBlur) * grid.scale + 1);
     for (const Path::Polyline& part : parts) {
-        std::vector<Point>& line = lines.emplace_back();
-        for (const Point& point : part.points) {
-            const Point place = line.emplace_back(grid.toPixels(point));
-            left = std::min(left, place.x - room);
-            right = std::max(right, place.x + room);
-            top = std::min(top, place.y - room);
-            bottom = std::max(bottom, place.y + room);
-        }
+        for (std::size_t i = 1; i < part.points.size(); ++i)
+            tip_.add(grid.toPixels(part.points[i - 1]), grid.toPixels(part.points[i]));
     }
     // One that reaches over the start of a loop: the piece with the head comes first.
-    const Point head = lines.front().back();
-    const Point tail = lines.back().front();
+    const Point head = grid.toPixels(parts.front().points.back());
+    const Point tail = grid.toPixels(parts.back().points.front());
     const Point along{head.x - tail.x, head.y - tail.y};
     const double square = std::max(along.x * along.x + along.y * along.y, 1e-9);
-    const int endX = std::min(static_cast<int>(right) + 1, picture.width());
-    const int endY = std::min(static_cast<int>(bottom) + 1, picture.height());
-    for (int y = std::max(static_cast<int>(top), 0); y < endY; ++y) {
+    auto light = [&](int x, int y) {
+        const double place =
+            std::clamp(((x + 0.5 - tail.x) * along.x + (y + 0.5 - tail.y) * along.y) / square, 0.0, 1.0);
+        return place < 0.45 ? place * 0.35 / 0.45 : 0.35 + (place - 0.45) * 0.65 / 0.55;
+    };
+    for (int y = 0; y < picture.height(); ++y) {
         auto* row = reinterpret_cast<std::uint32_t*>(picture.scanLine(y));
-        for (int x = std::max(static_cast<int>(left), 0); x < endX; ++x) {
-            const Point pixel{x + 0.5, y + 0.5};
-            double nearest = room * room;
-            for (const std::vector<Point>& line : lines) {
-                for (std::size_t i = 1; i < line.size(); ++i)
-                    nearest = std::min(nearest, squareDistance(pixel, line[i - 1], line[i]));
-            }
-            if (nearest >= room * room)
-                continue;
-            const double place =
-                std::clamp(((pixel.x - tail.x) * along.x + (pixel.y - tail.y) * along.y) / square, 0.0, 1.0);
-            const double light = place < 0.45 ? place * 0.35 / 0.45 : 0.35 + (place - 0.45) * 0.65 / 0.55;
-            const double strength =
-                light * strengths_[static_cast<std::size_t>(nearest * DistanceMap::steps)].tip;
+        tip_.eachNear(y, [&](int x, std::int16_t near) {
+            const double strength = light(x, y) * strengths_[static_cast<std::size_t>(near)].tip;
             row[x] = plus(row[x],
                           static_cast<std::uint32_t>(255 * ringLook::tipOpacity * opacity_ * strength + 0.5));
-        }
+        });
     }
 }
 
@@ -159,11 +137,11 @@ void IslandRingPainter::paintRow(std::uint32_t* row, int y, int width) {
         for (int x = from; x < to; ++x) {
             const auto near = static_cast<std::size_t>(lit[x]), far = static_cast<std::size_t>(unlit[x]);
             if (lit[x] < litLimit && near <= far)
-                row[x] = over(litColors_[near], row[x]);
+                row[x] = overBody(litColors_[near], row[x]);
             else if (lit[x] < litLimit)
                 row[x] = over(progressColors_[near], over(trackColors_[far], row[x]));
             else if (unlit[x] < unlitLimit)
-                row[x] = over(trackColors_[far], row[x]);
+                row[x] = overBody(trackColors_[far], row[x]);
         }
     }
 }

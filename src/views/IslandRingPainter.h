@@ -34,10 +34,11 @@ private:
     void prepareColors(const IslandFrame& island, double scale);
     void measure(const std::vector<Point>& ring, double progress);
     void paintRow(std::uint32_t* row, int y, int width);
-    void paintTip(QImage& picture, const IslandFrame& island, const PixelGrid& grid) const;
+    void paintTip(QImage& picture, const IslandFrame& island, const PixelGrid& grid);
 
     DistanceMap lit_;   // from the progress
     DistanceMap unlit_; // from the rest of the ring
+    DistanceMap tip_;
     // By distance, as the maps count it.
     double scale_ = 0;
     std::vector<Strengths> strengths_;

@@ -2,11 +2,14 @@
 #include "views/PaintedWindow.h"
 
 #include "views/DisplaySelection.h"
+#include "views/X11Connection.h"
 
 #include <QBackingStore>
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
+
+#include <cstdint>
 
 namespace kivo {
 
@@ -55,11 +58,20 @@ private:
     QBackingStore store_;
 };
 
+// Qt follows what is written to a window's properties. An opacity that changes with every frame would come back
+// each time to wake it.
+void ignoreProperties(WId window) {
+    constexpr std::uint32_t wanted = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    if (auto* display = x11Connection())
+        xcb_change_window_attributes(display, static_cast<xcb_window_t>(window), XCB_CW_EVENT_MASK, &wanted);
+}
+
 class PaintedWindow final : public OverlaySurface {
 public:
     PaintedWindow(QScreen& screen, QRect place, Paint paint)
         : origin_(screen.geometry().topLeft()), window_(&screen, std::move(paint)) {
         setPlace(place);
+        ignoreProperties(window_.winId());
     }
 
     QRect place() const override { return window_.geometry().translated(-origin_); }

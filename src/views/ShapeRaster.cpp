@@ -91,7 +91,7 @@ void DistanceMap::add(Point from, Point to) {
     if (to.x < from.x)
         std::swap(from, to);
     const Point along{to.x - from.x, to.y - from.y};
-    const double length = std::hypot(along.x, along.y);
+    const double length = std::sqrt(along.x * along.x + along.y * along.y);
     const Point normal = length > 0 ? Point{-along.y / length, along.x / length} : Point{};
     auto column = [left, right](double x) {
         return static_cast<int>(

@@ -124,6 +124,9 @@ public:
     // Squared distances in steps, `limit()` where out of reach.
     SparsePixels<std::int16_t>& squares() { return squares_; }
     std::int16_t limit() const { return limit_; }
+    // Calls `visit(x, square)` for each pixel of a row within reach.
+    template <typename Visit>
+    void eachNear(int row, const Visit& visit);
 
 private:
     void keepNearer(std::int16_t* row, int from, int to, double start, double step, double down) const;
@@ -132,5 +135,19 @@ private:
     std::int16_t limit_ = 0;
     SparsePixels<std::int16_t> squares_;
 };
+
+template <typename Visit>
+void DistanceMap::eachNear(int row, const Visit& visit) {
+    constexpr int width = SparsePixels<std::int16_t>::blockWidth;
+    for (std::uint64_t blocks = squares_.touchedBlocks(row); blocks; blocks &= blocks - 1) {
+        const int from = std::countr_zero(blocks) * width;
+        const int to = std::min(from + width, squares_.size().width());
+        const std::int16_t* squares = squares_.touch(row, from, to);
+        for (int x = from; x < to; ++x) {
+            if (squares[x] < limit_)
+                visit(x, squares[x]);
+        }
+    }
+}
 
 } // namespace kivo
