@@ -64,7 +64,8 @@ IslandContent critical() {
 }
 
 IslandContent device(std::string name, std::string subtitle, std::string symbol, std::int64_t level) {
-    IslandContent content = macContent(std::move(name), std::move(subtitle), level, {76, 217, 100});
+    IslandContent content =
+        macContent(std::move(name), std::move(subtitle), level, color(levelTone(level, false)));
     content.subjectID = "device";
     content.leading = IslandContent::Symbol{std::move(symbol)};
     return content;
