@@ -48,7 +48,6 @@ void IslandPainter::releaseContents() {
     texts_.keepOnly({});
     ring_.release();
     body_ = {};
-    picture_ = {};
 }
 
 void IslandPainter::paint(QPainter& painter, const IslandFrame& island, double scale) {
@@ -56,35 +55,47 @@ void IslandPainter::paint(QPainter& painter, const IslandFrame& island, double s
     if (island.bodyOpacity <= 0)
         return;
     const QTransform toDevice = painter.deviceTransform();
+    const QPointF origin = toDevice.map(QPointF(island.nudge, 0));
+    auto* surface = dynamic_cast<QImage*>(painter.device());
+    if (surface && surface->format() == QImage::Format_ARGB32_Premultiplied &&
+        surface->width() <= CoverageMap::maxWidth)
+        paintShape(*surface, island, {toDevice.m11(), {origin.x(), origin.y()}});
+    else
+        paintShapeApart(painter, island, toDevice, origin);
+    paintContents(painter, island, scale);
+}
+
+void IslandPainter::paintShape(QImage& picture, const IslandFrame& island, const PixelGrid& grid) {
+    shadow_.paint(picture, island, grid);
+    paintBody(picture, island, grid);
+    ring_.paint(picture, island, grid);
+}
+
+// On surfaces of which the pixels are not at hand.
+void IslandPainter::paintShapeApart(QPainter& painter, const IslandFrame& island, const QTransform& toDevice,
+                                    QPointF origin) {
     const QRect device(0, 0, painter.device()->width(), painter.device()->height());
     const QRect place = toDevice.mapRect(bounds(island)).toAlignedRect() & device;
     if (place.isEmpty())
         return;
-    if (picture_.size() != place.size())
-        picture_ = QImage(place.size(), QImage::Format_ARGB32_Premultiplied);
-    picture_.fill(Qt::transparent);
-    const QPointF origin = toDevice.map(QPointF(island.nudge, 0)) - place.topLeft();
-    const PixelGrid grid{toDevice.m11(), {origin.x(), origin.y()}};
-    shadow_.paint(picture_, island, grid);
-    paintBody(island, grid);
-    ring_.paint(picture_, island, grid);
-
+    QImage picture(place.size(), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    paintShape(picture, island, {toDevice.m11(), {origin.x() - place.x(), origin.y() - place.y()}});
     painter.save();
     const double ratio = painter.device()->devicePixelRatio();
     painter.setWorldTransform(QTransform::fromScale(1 / ratio, 1 / ratio));
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(place.topLeft(), picture_);
+    painter.drawImage(place.topLeft(), picture);
     painter.restore();
-    paintContents(painter, island, scale);
 }
 
 // Black over a shadow that is cut out beneath it, so that none shines through a fading body.
-void IslandPainter::paintBody(const IslandFrame& island, const PixelGrid& grid) {
-    body_.reset(picture_.size());
+void IslandPainter::paintBody(QImage& picture, const IslandFrame& island, const PixelGrid& grid) {
+    body_.reset(picture.size());
     body_.add(toPixels(island.body.path(island.frame), grid));
     const std::uint32_t black = premultiplied({}, std::min(island.bodyOpacity, 1.0));
-    for (int y = 0; y < picture_.height(); ++y) {
-        auto* row = reinterpret_cast<std::uint32_t*>(picture_.scanLine(y));
+    for (int y = 0; y < picture.height(); ++y) {
+        auto* row = reinterpret_cast<std::uint32_t*>(picture.scanLine(y));
         body_.eachStretch(y, [&](int from, int to, float share) {
             const auto alpha = static_cast<std::uint32_t>(share * 255 + 0.5F);
             if (alpha == 255)

@@ -12,8 +12,8 @@ namespace kivo {
 // back.
 class IslandPainter {
 public:
-    // In place of what the surface shows within the bounds. `scale` is device pixels per point; the painter's
-    // own transformation has it already and does nothing else but move.
+    // The surface must be transparent within the bounds; a clip counts for the contents alone. `scale` is
+    // device pixels per point; the painter's own transformation has it already and does nothing else but move.
     void paint(QPainter& painter, const IslandFrame& island, double scale);
     // Everything that `paint` may touch.
     static QRectF bounds(const IslandFrame& island);
@@ -24,12 +24,14 @@ public:
     void releaseContents();
 
 private:
-    void paintBody(const IslandFrame& island, const PixelGrid& grid);
+    void paintShape(QImage& picture, const IslandFrame& island, const PixelGrid& grid);
+    void paintShapeApart(QPainter& painter, const IslandFrame& island, const QTransform& toDevice,
+                         QPointF origin);
+    void paintBody(QImage& picture, const IslandFrame& island, const PixelGrid& grid);
     void paintContents(QPainter& painter, const IslandFrame& island, double scale);
     void paintLayer(QPainter& painter, const IslandFrame& island, const IslandContentLayer& layer,
                     double scale);
 
-    QImage picture_; // shadow, body and ring
     IslandShadow shadow_;
     CoverageMap body_;
     IslandRingPainter ring_;

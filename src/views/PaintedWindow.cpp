@@ -48,14 +48,27 @@ public:
         }
         store_.endPaint();
         store_.flush(part);
+        isPainted_ = true;
+    }
+    // What it showed before it was hidden is out of date.
+    void showAnew() {
+        isPainted_ = false;
+        show();
     }
 
 protected:
-    void exposeEvent(QExposeEvent* /*event*/) override { repaint({{}, size()}); }
+    // A display that shows a window says so more than once: the same picture serves all of these.
+    void exposeEvent(QExposeEvent* /*event*/) override {
+        if (isPainted_ && isExposed() && store_.size() == size())
+            store_.flush(QRect({}, size()));
+        else
+            repaint({{}, size()});
+    }
 
 private:
     OverlaySurface::Paint paint_;
     QBackingStore store_;
+    bool isPainted_ = false; // since it was shown
 };
 
 // Qt follows what is written to a window's properties. An opacity that changes with every frame would come back
@@ -80,7 +93,7 @@ public:
         if (window_.isVisible())
             window_.raise();
         else
-            window_.show();
+            window_.showAnew();
     }
     void hide() override { window_.hide(); }
     bool isVisible() const override { return window_.isVisible(); }

@@ -26,15 +26,16 @@ struct PixelGrid {
 std::vector<Point> toPixels(const Path& path, const PixelGrid& grid);
 
 // A value for each pixel of a picture of which most are never touched: rows fall into blocks, and only blocks
-// that are asked for are ever written. A picture is at most 64 blocks wide; what lies beyond stays untouched.
+// that are asked for are ever written. What lies beyond the greatest width stays untouched.
 template <typename Value>
 class SparsePixels {
 public:
     static constexpr int blockWidth = 32;
+    static constexpr int maxWidth = 64 * blockWidth;
 
     // All pixels have the value then.
     void reset(QSize size, Value value) {
-        size_ = QSize(std::min(size.width(), 64 * blockWidth), size.height());
+        size_ = QSize(std::min(size.width(), maxWidth), size.height());
         value_ = value;
         stride_ = static_cast<std::size_t>((size_.width() + blockWidth - 1) / blockWidth * blockWidth);
         values_.resize(stride_ * static_cast<std::size_t>(size_.height()));
@@ -67,6 +68,8 @@ private:
 // How much of each pixel a shape covers, by exact areas.
 class CoverageMap {
 public:
+    // A picture may be this wide.
+    static constexpr int maxWidth = SparsePixels<float>::maxWidth - 2;
     // All pixels are free then.
     void reset(QSize size) {
         size_ = size;
