@@ -10,7 +10,7 @@
 //   open NAME      a click on the tray item with this bus name, until a window of the menu's size is painted
 //   click NAME     the same without waiting; answers "done"
 //   frames WHO     the microseconds of each painting of such a window in the next 3.9 seconds, in one line
-// WHO is `laptop` (the devices that UPower lists) or `floor` (one that it does not list). Each turn flips the
+// WHO is `laptop` (the devices that UPower lists) or `floor` (two that it does not list). Each turn flips the
 // charger. The first line printed is this program's unique name on the system bus.
 
 #include <systemd/sd-bus.h>
@@ -27,6 +27,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -35,6 +36,7 @@ constexpr const char* manager = "/org/freedesktop/UPower";
 constexpr const char* charger = "/org/freedesktop/UPower/devices/line_power_AC";
 constexpr const char* battery = "/org/freedesktop/UPower/devices/battery_BAT0";
 constexpr const char* floorCharger = "/org/freedesktop/UPower/devices/line_power_FLOOR";
+constexpr const char* floorBattery = "/org/freedesktop/UPower/devices/battery_FLOOR";
 constexpr const char* deviceInterface = "org.freedesktop.UPower.Device";
 
 void check(int result, const char* what) {
@@ -61,6 +63,7 @@ struct Device {
 Device laptopCharger{1, 0, 1};
 Device laptopBattery{2, 1, 0, 79};
 Device floorDevice{1, 0, 1};
+Device floorCell{2, 1, 0, 79};
 
 int isPresent(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*, sd_bus_error*) {
     return sd_bus_message_append(reply, "b", 1);
@@ -206,22 +209,21 @@ private:
 sd_bus* systemBus = nullptr;
 sd_bus* sessionBus = nullptr;
 
-void flip(const std::string& who) {
-    if (who == "floor") {
-        floorDevice.online = !floorDevice.online;
-        check(sd_bus_emit_properties_changed(systemBus, floorCharger, deviceInterface, "Online", nullptr),
-              "signal");
-    } else {
-        laptopCharger.online = !laptopCharger.online;
-        laptopBattery.state = laptopCharger.online ? 1 : 2;
-        laptopBattery.timeToEmpty = laptopCharger.online ? 0 : 12'000;
-        check(sd_bus_emit_properties_changed(systemBus, charger, deviceInterface, "Online", nullptr), "signal");
-        check(sd_bus_flush(systemBus), "flush");
-        check(sd_bus_emit_properties_changed(systemBus, battery, deviceInterface, "State", "TimeToEmpty",
-                                             nullptr),
-              "signal");
-    }
+void tellChanged(const char* path, const char* first, const char* second = nullptr) {
+    check(sd_bus_emit_properties_changed(systemBus, path, deviceInterface, first, second, nullptr), "signal");
     check(sd_bus_flush(systemBus), "flush");
+}
+
+// What UPower says when a charger is pulled out or plugged in, the same for both.
+void flip(const std::string& who) {
+    const bool isFloor = who == "floor";
+    Device& supply = isFloor ? floorDevice : laptopCharger;
+    Device& cell = isFloor ? floorCell : laptopBattery;
+    supply.online = !supply.online;
+    cell.state = supply.online ? 1 : 2;
+    cell.timeToEmpty = supply.online ? 0 : 12'000;
+    tellChanged(isFloor ? floorCharger : charger, "Online");
+    tellChanged(isFloor ? floorBattery : battery, "State", "TimeToEmpty");
 }
 
 void sendForeign(int count) {
@@ -309,13 +311,11 @@ int main() {
     check(
         sd_bus_add_object_vtable(systemBus, nullptr, manager, "org.freedesktop.UPower", managerTable, nullptr),
         "UPower");
-    check(sd_bus_add_object_vtable(systemBus, nullptr, charger, deviceInterface, deviceTable, &laptopCharger),
-          "charger");
-    check(sd_bus_add_object_vtable(systemBus, nullptr, battery, deviceInterface, deviceTable, &laptopBattery),
-          "battery");
-    check(
-        sd_bus_add_object_vtable(systemBus, nullptr, floorCharger, deviceInterface, deviceTable, &floorDevice),
-        "floor");
+    for (const auto& [path, device] : {std::pair(charger, &laptopCharger),
+                                       {battery, &laptopBattery},
+                                       {floorCharger, &floorDevice},
+                                       {floorBattery, &floorCell}})
+        check(sd_bus_add_object_vtable(systemBus, nullptr, path, deviceInterface, deviceTable, device), path);
     check(sd_bus_add_object_vtable(sessionBus, nullptr, "/org/freedesktop/Notifications",
                                    "org.freedesktop.Notifications", notificationTable, nullptr),
           "notifications");
