@@ -142,6 +142,10 @@ public:
                                                 OverlaySurface::Paint paint) override {
         return windows_.makeSurface(screen, place, std::move(paint));
     }
+    std::unique_ptr<OverlaySurface> makeSurfaceBehind(OverlaySurface& front, QScreen& screen, QRect place,
+                                                      OverlaySurface::Paint paint) override {
+        return windows_.makeSurfaceBehind(front, screen, place, std::move(paint));
+    }
     bool isCompositing() override { return true; }
 
 private:

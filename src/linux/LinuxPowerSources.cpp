@@ -85,8 +85,8 @@ void LinuxPowerSources::updateFromUPower() {
         return;
     }
     gapWait_.reset();
-    readGapsAfterChange(supplies);
     consider(supplies);
+    readGapsAfterChange(supplies);
 }
 
 void LinuxPowerSources::updateFromKernel() {

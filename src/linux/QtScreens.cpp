@@ -72,6 +72,9 @@ std::optional<Screen> QtScreens::mainScreen() {
 
 Point QtScreens::mouseLocation() {
     const QScreen* screen = screenOfMouse ? screenOfMouse() : nullptr;
+    // With one screen the display need not be asked.
+    if (const auto all = QGuiApplication::screens(); !screen && all.size() == 1)
+        screen = all.front();
     return toGlobalSpace(screen ? screen->geometry().center() : QCursor::pos(), primaryGeometry());
 }
 

@@ -37,15 +37,23 @@ void EdgeGlowWindows::hide() {
     opacity_ = 0;
 }
 
-void EdgeGlowWindows::show(const std::optional<GlowFrame>& glow, QScreen* screen, bool isCompositing) {
+void EdgeGlowWindows::follow() {
+    for (auto& surface : surfaces_) {
+        if (surface)
+            surface->show();
+    }
+}
+
+void EdgeGlowWindows::show(const std::optional<GlowFrame>& glow, OverlaySurface& island, QScreen& screen,
+                           bool isCompositing) {
     const double opacity = glow ? glow->visibility * glow->brightness : 0;
     if (!glow || glow->visibility <= 0 || (!isCompositing && glow->visibility < 0.5)) {
         hide();
         return;
     }
-    const bool isNew = screen_ != screen || color_ != glow->color || isCompositing_ != isCompositing;
+    const bool isNew = screen_ != &screen || color_ != glow->color || isCompositing_ != isCompositing;
     if (isNew)
-        make(glow->color, screen, isCompositing);
+        make(glow->color, island, screen, isCompositing);
     // Steps that no eye tells apart are not worth a message to the display.
     else if (opacity == opacity_ || (std::abs(opacity - opacity_) < 0.002 && opacity != 1))
         return;
@@ -62,17 +70,18 @@ void EdgeGlowWindows::show(const std::optional<GlowFrame>& glow, QScreen* screen
     }
 }
 
-void EdgeGlowWindows::make(Color color, QScreen* screen, bool isCompositing) {
+void EdgeGlowWindows::make(Color color, OverlaySurface& island, QScreen& screen, bool isCompositing) {
     color_ = color;
-    screen_ = screen;
+    screen_ = &screen;
     isCompositing_ = isCompositing;
-    const QSize size = screen->geometry().size();
+    const QSize size = screen.geometry().size();
     for (std::size_t i = 0; i < surfaces_.size(); ++i) {
         const edgeglow::Edge edge = edgeglow::edges[i];
         const QRect strip =
             isCompositing ? edgeglow::strip(edge, size).toAlignedRect() : plainStrip(edge, size);
-        surfaces_[i] = display_.makeSurface(
-            *screen, strip, [this, edge](QPainter& painter, const QRect& part) { paint(painter, edge, part); });
+        surfaces_[i] = display_.makeSurfaceBehind(
+            island, screen, strip,
+            [this, edge](QPainter& painter, const QRect& part) { paint(painter, edge, part); });
     }
 }
 

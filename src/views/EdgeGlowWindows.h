@@ -17,16 +17,21 @@ class EdgeGlowWindows {
 public:
     explicit EdgeGlowWindows(OverlayDisplay& display) : display_(display) {}
 
-    void show(const std::optional<GlowFrame>& glow, QScreen* screen, bool isCompositing);
+    // Behind the island, which is on that screen.
+    void show(const std::optional<GlowFrame>& glow, OverlaySurface& island, QScreen& screen,
+              bool isCompositing);
+    // The island has come to the front.
+    void follow();
+    // Before the island's surface goes.
     void hide();
 
 private:
-    void make(Color color, QScreen* screen, bool isCompositing);
+    void make(Color color, OverlaySurface& island, QScreen& screen, bool isCompositing);
     void paint(QPainter& painter, edgeglow::Edge edge, const QRect& part);
 
     OverlayDisplay& display_;
     std::array<std::unique_ptr<OverlaySurface>, 4> surfaces_;
-    QScreen* screen_ = nullptr;
+    const QScreen* screen_ = nullptr;
     Color color_;
     double opacity_ = 0;
     bool isCompositing_ = true;

@@ -114,6 +114,11 @@ std::unique_ptr<OverlaySurface> Islands::makeSurface(QScreen& screen, QRect plac
     return display().makeSurface(screen, place, std::move(paint));
 }
 
+std::unique_ptr<OverlaySurface> Islands::makeSurfaceBehind(OverlaySurface& front, QScreen& screen, QRect place,
+                                                           OverlaySurface::Paint paint) {
+    return display().makeSurfaceBehind(front, screen, place, std::move(paint));
+}
+
 bool Islands::isCompositing() {
     return display().isCompositing();
 }

@@ -39,6 +39,8 @@ public:
 private:
     std::unique_ptr<OverlaySurface> makeSurface(QScreen& screen, QRect place,
                                                 OverlaySurface::Paint paint) override;
+    std::unique_ptr<OverlaySurface> makeSurfaceBehind(OverlaySurface& front, QScreen& screen, QRect place,
+                                                      OverlaySurface::Paint paint) override;
     bool isCompositing() override;
 
     void take(std::unique_ptr<LayerSurfaces> layers);

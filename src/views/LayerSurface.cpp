@@ -20,13 +20,16 @@ namespace {
 
 class LayerSurface final : public OverlaySurface {
 public:
+    // `front`: the surface that this one is a part of, behind it; null for one of the layer itself. Compositors
+    // differ in which of a layer's surfaces lies before which.
     LayerSurface(std::shared_ptr<WaylandDisplay> display, QString screenName, QRect screen, QRect place,
-                 Paint paint)
+                 Paint paint, LayerSurface* front = nullptr)
         : display_(std::move(display)),
           screenName_(std::move(screenName)),
           screen_(screen),
           place_(place),
-          paint_(std::move(paint)) {}
+          paint_(std::move(paint)),
+          front_(front) {}
     ~LayerSurface() override { close(); }
 
     QRect place() const override { return place_; }
@@ -42,8 +45,12 @@ public:
 private:
     void close();
     const WaylandDisplay::Output* output() const { return display_->find(screenName_, screen_); }
+    void takeLayer();
+    void takePlaceBehind();
     bool measure();
+    QRect area() const;
     void apply();
+    void commitSoon();
     void configured(std::uint32_t serial);
     void draw();
     QImage master(QSize pixels, double scale);
@@ -56,9 +63,12 @@ private:
     QRect screen_; // as Qt sees it
     QRect place_;
     Paint paint_;
+    LayerSurface* front_;
+    std::vector<LayerSurface*> behind_; // those that show
 
     wl_surface* surface_ = nullptr;
     zwlr_layer_surface_v1* layer_ = nullptr;
+    wl_subsurface* part_ = nullptr;
     wp_viewport* viewport_ = nullptr;
     wl_callback* frame_ = nullptr; // the compositor's word that it is time for another one
     bool isConfigured_ = false;
@@ -90,18 +100,13 @@ const wl_callback_listener LayerSurface::frameListener{[](void* data, wl_callbac
 }};
 
 void LayerSurface::show() {
-    if (surface_ || wasClosed_ || !display_->isAlive())
+    if (surface_ || wasClosed_ || !display_->isAlive() || (front_ && !front_->surface_))
         return;
-    const WaylandDisplay::Output* output = this->output();
     surface_ = wl_compositor_create_surface(display_->compositor());
-    layer_ =
-        zwlr_layer_shell_v1_get_layer_surface(display_->layers(), surface_, output ? output->proxy : nullptr,
-                                              ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "kivo");
-    zwlr_layer_surface_v1_add_listener(layer_, &layerListener, this);
-    zwlr_layer_surface_v1_set_anchor(layer_,
-                                     ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT);
-    // From the screen's own edges, whatever panels reserve there.
-    zwlr_layer_surface_v1_set_exclusive_zone(layer_, -1);
+    if (front_)
+        takePlaceBehind();
+    else
+        takeLayer();
     wl_region* nowhere = wl_compositor_create_region(display_->compositor());
     wl_surface_set_input_region(surface_, nowhere);
     wl_region_destroy(nowhere);
@@ -116,9 +121,42 @@ void LayerSurface::show() {
         master_ = {};
         apply();
         repaint({});
+        if (front_)
+            front_->commitSoon();
     });
-    wl_surface_commit(surface_);
+    if (front_) {
+        draw();
+        front_->commitSoon();
+    } else {
+        wl_surface_commit(surface_);
+    }
     display_->flush();
+}
+
+void LayerSurface::takeLayer() {
+    const WaylandDisplay::Output* output = this->output();
+    layer_ =
+        zwlr_layer_shell_v1_get_layer_surface(display_->layers(), surface_, output ? output->proxy : nullptr,
+                                              ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "kivo");
+    zwlr_layer_surface_v1_add_listener(layer_, &layerListener, this);
+    zwlr_layer_surface_v1_set_anchor(layer_,
+                                     ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT);
+    // From the screen's own edges, whatever panels reserve there.
+    zwlr_layer_surface_v1_set_exclusive_zone(layer_, -1);
+}
+
+void LayerSurface::takePlaceBehind() {
+    part_ = wl_subcompositor_get_subsurface(display_->subsurfaces(), surface_, front_->surface_);
+    wl_subsurface_place_below(part_, front_->surface_);
+    wl_subsurface_set_desync(part_);
+    front_->behind_.push_back(this);
+    isConfigured_ = true;
+}
+
+// Where surfaces behind it lie counts from its own next commit on.
+void LayerSurface::commitSoon() {
+    if (surface_ && !isDirty_)
+        wl_surface_commit(surface_);
 }
 
 void LayerSurface::hide() {
@@ -132,6 +170,10 @@ void LayerSurface::close() {
         wl_callback_destroy(std::exchange(frame_, nullptr));
     if (viewport_)
         wp_viewport_destroy(std::exchange(viewport_, nullptr));
+    if (part_) {
+        std::erase(front_->behind_, this);
+        wl_subsurface_destroy(std::exchange(part_, nullptr));
+    }
     if (layer_)
         zwlr_layer_surface_v1_destroy(std::exchange(layer_, nullptr));
     if (surface_)
@@ -165,14 +207,26 @@ bool LayerSurface::measure() {
     return isOther;
 }
 
-// Size and place, in the compositor's points; they count from the next commit on.
-void LayerSurface::apply() {
+// Of the screen, in the compositor's points.
+QRect LayerSurface::area() const {
     // A surface of no size is a client's error.
-    const QRect area(QPointF(place_.topLeft() * pointSize_).toPoint(),
-                     (QSizeF(place_.size()) * pointSize_).toSize().expandedTo({1, 1}));
-    zwlr_layer_surface_v1_set_size(layer_, static_cast<std::uint32_t>(area.width()),
-                                   static_cast<std::uint32_t>(area.height()));
-    zwlr_layer_surface_v1_set_margin(layer_, area.top(), 0, 0, area.left());
+    return {QPointF(place_.topLeft() * pointSize_).toPoint(),
+            (QSizeF(place_.size()) * pointSize_).toSize().expandedTo({1, 1})};
+}
+
+// Size and place; they count from the next commit on.
+void LayerSurface::apply() {
+    const QRect area = this->area();
+    if (part_) {
+        const QPoint fromFront = area.topLeft() - front_->area().topLeft();
+        wl_subsurface_set_position(part_, fromFront.x(), fromFront.y());
+    } else {
+        zwlr_layer_surface_v1_set_size(layer_, static_cast<std::uint32_t>(area.width()),
+                                       static_cast<std::uint32_t>(area.height()));
+        zwlr_layer_surface_v1_set_margin(layer_, area.top(), 0, 0, area.left());
+    }
+    for (LayerSurface* behind : behind_)
+        behind->apply();
     if (viewport_)
         wp_viewport_set_destination(viewport_, area.width(), area.height());
     else
@@ -252,6 +306,12 @@ std::unique_ptr<LayerSurfaces> LayerSurfaces::connect(int patience) {
 std::unique_ptr<OverlaySurface> LayerSurfaces::makeSurface(QScreen& screen, QRect place,
                                                            OverlaySurface::Paint paint) {
     return std::make_unique<LayerSurface>(display_, screen.name(), screen.geometry(), place, std::move(paint));
+}
+
+std::unique_ptr<OverlaySurface> LayerSurfaces::makeSurfaceBehind(OverlaySurface& front, QScreen& screen,
+                                                                 QRect place, OverlaySurface::Paint paint) {
+    return std::make_unique<LayerSurface>(display_, screen.name(), screen.geometry(), place, std::move(paint),
+                                          &static_cast<LayerSurface&>(front));
 }
 
 const QScreen* LayerSurfaces::screenInUse() {

@@ -19,6 +19,8 @@ public:
 
     std::unique_ptr<OverlaySurface> makeSurface(QScreen& screen, QRect place,
                                                 OverlaySurface::Paint paint) override;
+    std::unique_ptr<OverlaySurface> makeSurfaceBehind(OverlaySurface& front, QScreen& screen, QRect place,
+                                                      OverlaySurface::Paint paint) override;
     bool isCompositing() override { return true; }
 
     // Of several screens the one that the compositor gives to what asks for none: as a rule the mouse is there.

@@ -12,8 +12,8 @@ class QScreen;
 
 namespace kivo {
 
-// One of the panel's surfaces: a bare translucent area of a screen, in front of everything, that is never
-// active and lets the mouse through. It is hidden at first.
+// One of the panel's surfaces: a bare translucent area of a screen, in front of everything or right behind
+// another surface, that is never active and lets the mouse through. It is hidden at first.
 class OverlaySurface {
 public:
     // Paints the part of the surface, in points of the surface; it is transparent there before.
@@ -24,7 +24,8 @@ public:
     // In points of its screen.
     virtual QRect place() const = 0;
     virtual void setPlace(QRect place) = 0;
-    // In front of all others; painted when the display is ready for it.
+    // At its place before or behind all others, also when it was visible; painted when the display is ready for
+    // it.
     virtual void show() = 0;
     // Keeps what makes it come back fast.
     virtual void hide() = 0;
@@ -44,6 +45,10 @@ public:
 
     virtual std::unique_ptr<OverlaySurface> makeSurface(QScreen& screen, QRect place,
                                                         OverlaySurface::Paint paint) = 0;
+    // One that lies right behind `front`, a surface of this display on the same screen. It can show while that
+    // one does, and goes before it.
+    virtual std::unique_ptr<OverlaySurface> makeSurfaceBehind(OverlaySurface& front, QScreen& screen,
+                                                              QRect place, OverlaySurface::Paint paint) = 0;
     // Whether surfaces are blended with what is below them; if not, a translucent one shows black. Asked before
     // each island.
     virtual bool isCompositing() = 0;

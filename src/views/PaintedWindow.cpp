@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "views/PaintedWindow.h"
 
-#include "views/DisplaySelection.h"
 #include "views/X11Connection.h"
 
 #include <QBackingStore>
@@ -10,6 +9,7 @@
 #include <QWindow>
 
 #include <cstdint>
+#include <utility>
 
 namespace kivo {
 
@@ -30,13 +30,16 @@ public:
     }
 
     void repaint(QRect part) {
-        part &= QRect({}, size());
-        if (!isExposed() || part.isEmpty())
+        if (!canPaint())
             return;
         if (store_.size() != size()) {
             store_.resize(size());
-            part = QRect({}, size());
+            isPainted_ = false;
         }
+        const QRect all({}, size());
+        part = isPainted_ ? part & all : all;
+        if (part.isEmpty())
+            return;
         store_.beginPaint(part);
         {
             QPainter painter(store_.paintDevice());
@@ -50,10 +53,15 @@ public:
         store_.flush(part);
         isPainted_ = true;
     }
-    // What it showed before it was hidden is out of date.
-    void showAnew() {
-        isPainted_ = false;
-        show();
+    // What it showed is out of date. The display has long had it, but is waited for before the next painting:
+    // better now.
+    void hideAway() {
+        hide();
+        if (!std::exchange(isPainted_, false))
+            return;
+        const QRect all({}, store_.size());
+        store_.beginPaint(all);
+        store_.endPaint();
     }
 
 protected:
@@ -66,6 +74,9 @@ protected:
     }
 
 private:
+    // X takes pictures for a window as soon as it is shown; it need not have said that the window is seen.
+    bool canPaint() const { return isExposed() || (isVisible() && x11Connection()); }
+
     OverlaySurface::Paint paint_;
     QBackingStore store_;
     bool isPainted_ = false; // since it was shown
@@ -79,10 +90,18 @@ void ignoreProperties(WId window) {
         xcb_change_window_attributes(display, static_cast<xcb_window_t>(window), XCB_CW_EVENT_MASK, &wanted);
 }
 
+void placeBehind(WId front, WId window) {
+    const std::uint32_t order[] = {static_cast<std::uint32_t>(front), XCB_STACK_MODE_BELOW};
+    if (auto* display = x11Connection())
+        xcb_configure_window(display, static_cast<xcb_window_t>(window),
+                             XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, order);
+}
+
 class PaintedWindow final : public OverlaySurface {
 public:
-    PaintedWindow(QScreen& screen, QRect place, Paint paint)
-        : origin_(screen.geometry().topLeft()), window_(&screen, std::move(paint)) {
+    // `front`: the window that this one lies behind; 0 for one in front of all.
+    PaintedWindow(QScreen& screen, QRect place, Paint paint, WId front = 0)
+        : origin_(screen.geometry().topLeft()), front_(front), window_(&screen, std::move(paint)) {
         setPlace(place);
         ignoreProperties(window_.winId());
     }
@@ -90,19 +109,24 @@ public:
     QRect place() const override { return window_.geometry().translated(-origin_); }
     void setPlace(QRect place) override { window_.setGeometry(place.translated(origin_)); }
     void show() override {
-        if (window_.isVisible())
-            window_.raise();
+        // Others may have come to the front since.
+        if (front_ != 0)
+            placeBehind(front_, window_.winId());
         else
-            window_.showAnew();
+            window_.raise();
+        if (!window_.isVisible())
+            window_.show();
     }
-    void hide() override { window_.hide(); }
+    void hide() override { window_.hideAway(); }
     bool isVisible() const override { return window_.isVisible(); }
     void repaint(QRect part) override { window_.repaint(part); }
     void setOpacity(double opacity) override { window_.setOpacity(opacity); }
     void setShape(const QRegion& shape) override { window_.setMask(shape); }
+    WId id() const { return window_.winId(); }
 
 private:
     QPoint origin_; // of the screen
+    WId front_;
     Window window_;
 };
 
@@ -113,8 +137,10 @@ std::unique_ptr<OverlaySurface> PaintedWindows::makeSurface(QScreen& screen, QRe
     return std::make_unique<PaintedWindow>(screen, place, std::move(paint));
 }
 
-bool PaintedWindows::isCompositing() {
-    return kivo::isCompositing();
+std::unique_ptr<OverlaySurface> PaintedWindows::makeSurfaceBehind(OverlaySurface& front, QScreen& screen,
+                                                                  QRect place, OverlaySurface::Paint paint) {
+    return std::make_unique<PaintedWindow>(screen, place, std::move(paint),
+                                           static_cast<const PaintedWindow&>(front).id());
 }
 
 } // namespace kivo

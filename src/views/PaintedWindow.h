@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "views/DisplaySelection.h"
 #include "views/OverlaySurface.h"
 
 namespace kivo {
@@ -10,7 +11,12 @@ class PaintedWindows final : public OverlayDisplay {
 public:
     std::unique_ptr<OverlaySurface> makeSurface(QScreen& screen, QRect place,
                                                 OverlaySurface::Paint paint) override;
-    bool isCompositing() override;
+    std::unique_ptr<OverlaySurface> makeSurfaceBehind(OverlaySurface& front, QScreen& screen, QRect place,
+                                                      OverlaySurface::Paint paint) override;
+    bool isCompositing() override { return compositing_.isCompositing(); }
+
+private:
+    CompositingWatch compositing_;
 };
 
 } // namespace kivo

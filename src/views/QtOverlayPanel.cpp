@@ -114,10 +114,12 @@ void QtOverlayPanel::orderFront() {
         dropSurfaces();
     isCompositing_ = isCompositing;
     // One that its screen took along hides first.
-    if (island_ && island_->isVisible())
+    if (island_ && island_->isVisible()) {
         island_->show();
-    else if (island_)
+        glow_.follow();
+    } else if (island_) {
         island_->hide();
+    }
 }
 
 void QtOverlayPanel::orderOut() {
@@ -128,9 +130,9 @@ void QtOverlayPanel::orderOut() {
 void QtOverlayPanel::hideIsland() {
     nextFrame_.cancel();
     nextPreparation_.cancel();
+    glow_.hide();
     if (island_)
         island_->hide();
-    glow_.hide();
     painter_.releaseContents();
     drawn_.reset();
 }
@@ -173,9 +175,13 @@ void QtOverlayPanel::scheduleFrame(Duration now) {
 }
 
 void QtOverlayPanel::draw(const IslandFrame& frame) {
-    glow_.show(frame.glow, screen_, isCompositing_);
-    if (drawn_ == frame && island_)
-        return;
+    if (drawn_ != frame || !island_)
+        drawIsland(frame);
+    if (island_)
+        glow_.show(frame.glow, *island_, *screen_, isCompositing_);
+}
+
+void QtOverlayPanel::drawIsland(const IslandFrame& frame) {
     QRectF changed = IslandPainter::bounds(frame);
     if (drawn_)
         changed |= IslandPainter::bounds(*drawn_);

@@ -52,6 +52,7 @@ private:
     void update();
     void scheduleFrame(Duration now);
     void draw(const IslandFrame& frame);
+    void drawIsland(const IslandFrame& frame);
     QRect wantedPlace(const IslandFrame& frame) const;
     void placeIsland(QRect place);
     void paintIsland(QPainter& painter);

@@ -93,6 +93,8 @@ WaylandDisplay::~WaylandDisplay() {
         wl_proxy_destroy(reinterpret_cast<wl_proxy*>(layers_));
     if (memory_)
         wl_shm_destroy(memory_);
+    if (subsurfaces_)
+        wl_subcompositor_destroy(subsurfaces_);
     if (compositor_)
         wl_compositor_destroy(compositor_);
     if (registry_)
@@ -104,7 +106,7 @@ bool WaylandDisplay::learn(int patience) {
     registry_ = wl_display_get_registry(display_);
     wl_registry_add_listener(registry_, &registryListener, this);
     // The first answer brings the globals, the second what the outputs say of themselves.
-    if (!roundTrip(patience) || !compositor_ || !memory_ || !layers_)
+    if (!roundTrip(patience) || !compositor_ || !subsurfaces_ || !memory_ || !layers_)
         return false;
     for (auto& output : outputs_)
         describe(*output);
@@ -187,6 +189,8 @@ void WaylandDisplay::appeared(std::uint32_t number, const char* interface, std::
     };
     if (is(wl_compositor_interface) && version >= 4)
         compositor_ = bind<wl_compositor>(registry_, number, wl_compositor_interface, version, 4);
+    else if (is(wl_subcompositor_interface))
+        subsurfaces_ = bind<wl_subcompositor>(registry_, number, wl_subcompositor_interface, version, 1);
     else if (is(wl_shm_interface))
         memory_ = bind<wl_shm>(registry_, number, wl_shm_interface, version, 1);
     else if (is(zwlr_layer_shell_v1_interface))

@@ -65,6 +65,7 @@ public:
     wl_compositor* compositor() const { return compositor_; }
     wl_shm* memory() const { return memory_; }
     zwlr_layer_shell_v1* layers() const { return layers_; }
+    wl_subcompositor* subsurfaces() const { return subsurfaces_; }
     wp_viewporter* viewports() const { return viewports_; } // may be absent
 
 private:
@@ -86,6 +87,7 @@ private:
     wl_display* display_;
     wl_registry* registry_ = nullptr;
     wl_compositor* compositor_ = nullptr;
+    wl_subcompositor* subsurfaces_ = nullptr;
     wl_shm* memory_ = nullptr;
     zwlr_layer_shell_v1* layers_ = nullptr;
     zxdg_output_manager_v1* outputManager_ = nullptr;

@@ -12,6 +12,7 @@ BLACK = near((0, 0, 0), 60)
 PLAIN = near(BACKGROUND, 4)
 POWER = settings(rule('unplugged'), rule('pluggedIn'))
 CRITICAL = settings(rule('macBelow', threshold=10, position='center', glows=True))
+GLOWING_CHARGER = settings(rule('unplugged'), rule('pluggedIn', glows=True))
 
 
 FULL_SCREEN = '<openbox_config xmlns="http://openbox.org/3.4/rc"><applications><application title="Event Tester">' \
@@ -69,12 +70,33 @@ class IslandTest(KivoTest):
             self.assertTrue(PLAIN(seen.at(*place)), f'{seen.at(*place)} at {place}')
         self.await_nothing(before)
 
+    def check_island_in_front_of_its_glow(self, desktop):
+        """Where they meet at the top: for a glow that comes under an island, and an island that comes anew."""
+        self.begin(desktop, GLOWING_CHARGER)
+        def in_light():
+            seen = desktop.screenshot()
+            return seen if seen.at(200, 1)[1] > 160 and seen.at(200, 1)[2] < 140 and body(seen) else None
+        for pause in (0.5, 6):
+            desktop.unplug()
+            self.await_island(640, 32)
+            time.sleep(pause)
+            desktop.plug_in()
+            wait_for('light at the top', in_light)
+            time.sleep(0.6)
+            seen = desktop.screenshot()
+            self.assertEqual([seen.at(x, 46) for x in (600, 640, 790)], [(0, 0, 0)] * 3, f'after {pause} s')
+            time.sleep(6)
+
+
 class X11Test(IslandTest):
     def desktop_with(self, **parts):
         return self.enterContext(Desktop(tray=None, notifications=False, sound=False, **parts))
 
     def test_island_and_glow_come_and_go(self):
         self.check_glowing_island(self.desktop_with(), 140)
+
+    def test_an_island_in_front_of_its_glow(self):
+        self.check_island_in_front_of_its_glow(self.desktop_with())
 
     def test_without_a_compositor_the_glow_is_a_line(self):
         self.check_glowing_island(self.desktop_with(compositor=False), 6)
@@ -96,6 +118,19 @@ class X11Test(IslandTest):
         wait_for('the click in the window below', lambda: 'ButtonPress' in desktop.log('xev'))
         self.assertIsNotNone(body(desktop.screenshot()))
         self.await_nothing(before[0])
+
+    def test_in_front_of_what_has_come_since(self):
+        desktop = self.desktop_with()
+        self.begin(desktop, POWER)
+        before = desktop.screenshot()
+        desktop.unplug()
+        self.await_island(640, 32)
+        self.await_nothing(before)
+        # No window manager puts this one anywhere but in front of all.
+        desktop.spawn('xev', ['xev', '-bw', '0', '-geometry', '1280x800+0+0'])
+        wait_for('the window', lambda: not PLAIN(desktop.screenshot().at(1000, 700)))
+        desktop.plug_in()
+        self.await_island(640, 32)
 
     def test_scale_factors(self):
         desktop = self.desktop_with()
@@ -143,6 +178,9 @@ class WaylandTest(IslandTest):
     def test_island_and_glow_come_and_go(self):
         self.check_glowing_island(self.desktop_with(), 140)
         self.assertIn('overlay layer', self.desktop.log('kivo'))
+
+    def test_an_island_in_front_of_its_glow(self):
+        self.check_island_in_front_of_its_glow(self.desktop_with())
 
     def test_fractions_of_a_pixel(self):
         desktop = self.desktop_with(scale='1.5')
