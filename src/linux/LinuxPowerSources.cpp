@@ -15,6 +15,8 @@ using namespace std::chrono_literals;
 constexpr Duration upowerPatience = 3s;
 // How long the first picture waits for what only the kernel knows.
 constexpr Duration gapPatience = 1s;
+// What a change brings about, such as an alert, goes before what the kernel adds to it.
+constexpr Duration gapDelay = 100ms;
 // How long a reading must last that is more likely a fault: UPower takes its batteries down before itself.
 constexpr Duration doubtDelay = 1s;
 // A battery does not fall from here to nothing.
@@ -116,7 +118,7 @@ void LinuxPowerSources::readGapsAfterChange(const Supplies& supplies) {
     if (!statesDiffer(supplies, gapsReadFor_))
         return;
     gapsReadFor_ = supplies;
-    kernel_.read();
+    gapReading_ = loop_.after(gapDelay, [this] { kernel_.read(); });
 }
 
 void LinuxPowerSources::consider(const Supplies& supplies) {

@@ -55,6 +55,7 @@ private:
     std::optional<Subscription> patience_;
     std::optional<Subscription> gapWait_;
     std::optional<Subscription> doubt_;
+    Subscription gapReading_;
     Subscription upowerChanges_;
     Subscription kernelChanges_;
 };
