@@ -79,8 +79,7 @@ void AppWindow::takeColors() {
 }
 
 void AppWindow::present() {
-    if (isMinimized())
-        showNormal();
+    setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
     activateWindow();
