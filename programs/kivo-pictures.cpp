@@ -17,6 +17,7 @@
 #include <QPainterPath>
 
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <string>
 #include <vector>
@@ -188,7 +189,7 @@ IslandContent longTexts() {
 }
 
 void paintFilms(const QDir& folder) {
-    auto out = [](IslandContent content) {
+    auto out = [](const IslandContent& content) {
         return [content](IslandFilm& film, int act) { act == 0 ? film.present(content) : film.leave(); };
     };
     const std::vector<double> life{0, 3};
@@ -364,6 +365,19 @@ void paintIsland(const QDir& folder) {
     still(film, notched, topPart(notched).adjusted(0, 0, 0, -10), sky, 1).save(folder.filePath("island.png"));
 }
 
+void paintAll(const QDir& folder) {
+    paintIsland(folder);
+    paintKinds(folder, dark);
+    paintKinds(folder, light);
+    paintScales(folder);
+    paintFilms(folder);
+    paintTray(folder);
+    paintMenus(folder);
+    paintUpdates(folder);
+    paintWindows(folder);
+    paintSymbols(folder);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -381,15 +395,11 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "kivo-pictures: cannot make %s\n", argv[1]);
         return 1;
     }
-    paintIsland(folder);
-    paintKinds(folder, dark);
-    paintKinds(folder, light);
-    paintScales(folder);
-    paintFilms(folder);
-    paintTray(folder);
-    paintMenus(folder);
-    paintUpdates(folder);
-    paintWindows(folder);
-    paintSymbols(folder);
+    try {
+        paintAll(folder);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "kivo-pictures: %s\n", error.what());
+        return 1;
+    }
     return 0;
 }

@@ -27,7 +27,7 @@ private:
         QWidget* addRow = nullptr; // none where nothing can be added
         std::vector<RuleView*> rules;
     };
-    void addFamily(const AlertsPaneContent::Section& section);
+    void addFamily(const AlertsPaneContent::Section& content);
     void showRules(Family& family, const std::vector<AlertsPaneContent::Rule>& rules);
 
     Kit& kit_;

@@ -97,7 +97,7 @@ void IslandPainter::paintBody(QImage& picture, const IslandFrame& island, const 
     for (int y = 0; y < picture.height(); ++y) {
         auto* row = reinterpret_cast<std::uint32_t*>(picture.scanLine(y));
         body_.eachStretch(y, [&](int from, int to, float share) {
-            const auto alpha = static_cast<std::uint32_t>(share * 255 + 0.5F);
+            const std::uint32_t alpha = nearest(share * 255);
             if (alpha == 255)
                 std::fill(row + from, row + to, black);
             else

@@ -119,8 +119,7 @@ void IslandRingPainter::paintTip(QImage& picture, const IslandFrame& island, con
         auto* row = reinterpret_cast<std::uint32_t*>(picture.scanLine(y));
         tip_.eachNear(y, [&](int x, std::int16_t near) {
             const double strength = light(x, y) * strengths_[static_cast<std::size_t>(near)].tip;
-            row[x] = plus(row[x],
-                          static_cast<std::uint32_t>(255 * ringLook::tipOpacity * opacity_ * strength + 0.5));
+            row[x] = plus(row[x], nearest(255 * ringLook::tipOpacity * opacity_ * strength));
         });
     }
 }

@@ -9,8 +9,13 @@
 // Arithmetic on premultiplied ARGB pixels, alpha in the highest byte.
 namespace kivo {
 
+// The nearest whole number to one that is not negative: the library's own is slow, and needed for every pixel.
+inline std::uint32_t nearest(double value) {
+    return static_cast<std::uint32_t>(value + 0.5); // NOLINT(bugprone-incorrect-roundings)
+}
+
 inline std::uint32_t premultiplied(Color color, double opacity) {
-    auto part = [opacity](double value) { return static_cast<std::uint32_t>(value * opacity + 0.5); };
+    auto part = [opacity](double value) { return nearest(value * opacity); };
     return part(255) << 24 | part(color.red) << 16 | part(color.green) << 8 | part(color.blue);
 }
 

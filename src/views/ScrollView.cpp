@@ -40,7 +40,7 @@ private:
 };
 
 ScrollView::ScrollView(ViewContext& context, QWidget* parent, QWidget* content)
-    : QWidget(parent), context_(context), content_(content) {
+    : QWidget(parent), content_(content) {
     content_->setParent(this);
     thumb_ = new Thumb(context, this); // over the content
     thumb_->installEventFilter(this);

@@ -33,7 +33,6 @@ private:
     QRect thumbBox() const;
     void place();
 
-    ViewContext& context_;
     QWidget* content_;
     QWidget* thumb_ = nullptr;
     int offset_ = 0;

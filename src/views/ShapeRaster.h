@@ -37,7 +37,8 @@ public:
     void reset(QSize size, Value value) {
         size_ = QSize(std::min(size.width(), maxWidth), size.height());
         value_ = value;
-        stride_ = static_cast<std::size_t>((size_.width() + blockWidth - 1) / blockWidth * blockWidth);
+        const int blocks = (size_.width() + blockWidth - 1) / blockWidth;
+        stride_ = static_cast<std::size_t>(blocks) * blockWidth;
         values_.resize(stride_ * static_cast<std::size_t>(size_.height()));
         touched_.assign(static_cast<std::size_t>(size_.height()), 0);
     }
