@@ -43,16 +43,17 @@ AlertsTab::~AlertsTab() = default;
 
 void AlertsTab::addFamily(const AlertsPaneContent::Section& content) {
     auto* card = new Card(ruleInset);
-    QWidget* add = nullptr;
+    QWidget* row = nullptr;
+    FormButton* add = nullptr;
     if (content.canAdd) {
-        auto* button = new FormButton(kit_, FormButton::Kind::link, texts_.add, "plus");
-        button->setAccessibleDescription(QString::fromStdString(content.title));
-        connect(button, &FormButton::clicked, this,
+        add = new FormButton(kit_, FormButton::Kind::link, texts_.add, "plus");
+        add->setAccessibleDescription(QString::fromStdString(content.title));
+        connect(add, &FormButton::clicked, this,
                 [this, family = content.family] { model_.alerts().addRule(family); });
-        add = addRow(button);
-        card->addRow(add);
+        row = addRow(add);
+        card->addRow(row);
     }
-    families_.push_back({card, add, {}});
+    families_.push_back({card, row, add, {}});
     auto* symbol = new SymbolBlock(kit_, content.symbol, content.color, 18);
     static_cast<QVBoxLayout*>(layout())->addWidget(section(content.title, content.detail, symbol, card));
 }
@@ -85,6 +86,8 @@ void AlertsTab::showRules(Family& family, const std::vector<AlertsPaneContent::R
     while (family.rules.size() > rules.size()) {
         RuleView* last = family.rules.back();
         family.rules.pop_back();
+        if (family.rules.size() == rules.size() && family.add && last->isAncestorOf(window()->focusWidget()))
+            family.add->setFocus(Qt::OtherFocusReason);
         last->hide();
         last->deleteLater();
     }

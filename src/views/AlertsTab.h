@@ -11,6 +11,7 @@
 
 namespace kivo {
 
+class FormButton;
 class RuleView;
 
 // The alerts tab: a preview of an island, then the families of rules.
@@ -25,6 +26,7 @@ private:
     struct Family {
         Card* card = nullptr;
         QWidget* addRow = nullptr; // none where nothing can be added
+        FormButton* add = nullptr; // in it
         std::vector<RuleView*> rules;
     };
     void addFamily(const AlertsPaneContent::Section& content);

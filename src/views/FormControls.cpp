@@ -175,15 +175,13 @@ QSize Switch::sizeHint() const {
 }
 
 void Switch::show(bool isOn) {
-    if (isChecked() != isOn) {
-        const QSignalBlocker silence(this);
-        setChecked(isOn);
-    }
-    knob_.go(isOn ? 1 : 0, animations::press);
+    const QSignalBlocker silence(this);
+    setChecked(isOn);
 }
 
-void Switch::nextCheckState() {
-    QCheckBox::nextCheckState();
+// Whoever toggled it: also a screen reader.
+void Switch::checkStateSet() {
+    QCheckBox::checkStateSet();
     knob_.go(isChecked() ? 1 : 0, animations::press);
 }
 

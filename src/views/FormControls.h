@@ -69,7 +69,7 @@ public:
 protected:
     bool hitButton(const QPoint& point) const override { return rect().contains(point); }
     void paintEvent(QPaintEvent* event) override;
-    void nextCheckState() override;
+    void checkStateSet() override;
 
 private:
     Moving knob_;

@@ -43,8 +43,8 @@ void HeroCardView::setCard(const std::optional<HeroCard>& card,
         return;
     if (card) {
         const bool isStill = isFirst || context_.reducesMotion;
-        oldTone_ = isStill ? toQColor(color(card->tone)) : tone();
         if (!card_ || card_->tone != card->tone) {
+            oldTone_ = isStill ? toQColor(color(card->tone)) : tone();
             toneShare_.set(isStill ? 1 : 0);
             toneShare_.animate(1, animations::settle, now);
         }
@@ -143,8 +143,10 @@ bool HeroCardView::advance(Duration now) {
     const bool hasTinted = toneShare_.value(now) != toneShare_.value(drawnAt_);
     const bool shines = shine_.target() > 0;
     drawnAt_ = now;
-    if (hasMoved || hasTinted)
-        update(0, 32, width(), 92);
+    if (hasTinted)
+        update(0, 0, width(), notesTop); // the pill too
+    else if (hasMoved)
+        update(0, 32, width(), notesTop - 32);
     else if (shines)
         update(barBox().toAlignedRect());
     bool moves = now < level_.settlesAt() || now < toneShare_.settlesAt() || shines;

@@ -104,8 +104,11 @@ public:
         auto* card = new Card(rowInset);
         for (const auto& each : content.switches) {
             auto* control = new Switch(kit, each.title);
-            connect(control, &Switch::toggled, this,
-                    [&onboarding, name = each.name](bool isOn) { onboarding.setSwitch(name, isOn); });
+            connect(control, &Switch::toggled, this, [this, &onboarding, name = each.name](bool isOn) {
+                onboarding.setSwitch(name, isOn);
+                // Without a rule to switch it stays off.
+                show(onboarding.content());
+            });
             switches_.push_back(control);
             card->addRow(iconRow(new TintedIcon(kit, each.symbol, each.tint),
                                  textColumn({new TextBlock(Style::row, each.title)}), control));

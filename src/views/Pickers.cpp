@@ -312,7 +312,13 @@ void DropDown::show(int index) {
     setCurrentIndex(index);
 }
 
-void DropDown::showPopup() {
+void DropDown::changeEvent(QEvent* event) {
+    QComboBox::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && view()->isVisible())
+        colorPopup();
+}
+
+void DropDown::colorPopup() {
     // The menu is a window of its own, which takes the desktop's colours by itself.
     const Surface surface = surfaceFor(palette());
     QPalette colors = palette();
@@ -320,6 +326,10 @@ void DropDown::showPopup() {
     colors.setColor(QPalette::Highlight, deepened(surface.accent));
     view()->setPalette(colors);
     view()->window()->setPalette(colors);
+}
+
+void DropDown::showPopup() {
+    colorPopup();
     view()->removeEventFilter(this);
     view()->installEventFilter(this);
     QComboBox::showPopup();

@@ -97,7 +97,9 @@ void RuleEditorView::addFields(Kit& kit, const RuleEditorTexts& texts,
         titleWidth = std::max(titleWidth, TextBlock(TextBlock::Style::field, title).naturalWidth());
     titleWidth = std::min(titleWidth, widestTitle);
     const auto add = [&](const std::string& title, QWidget* field) {
-        auto* row = new Row(new TextBlock(TextBlock::Style::field, title), field, titleWidth);
+        auto* label = new TextBlock(TextBlock::Style::field, title);
+        label->setBuddy(field);
+        auto* row = new Row(label, field, titleWidth);
         row->setContentsMargins(buttonInset - focusRoom, 0, 0, 0);
         lines_->addWidget(row);
     };
@@ -189,6 +191,9 @@ void RuleView::show(const AlertsPaneContent::Rule& rule) {
         lines_->addWidget(editor_);
         revealGrown(this);
     } else if (editor_) {
+        // What was pressed in it goes; Qt would hand the keyboard to whatever comes next.
+        if (editor_->isAncestorOf(window()->focusWidget()))
+            head_->setFocus(Qt::OtherFocusReason);
         editor_->hide();
         editor_->deleteLater();
         editor_ = nullptr;

@@ -6,6 +6,7 @@
 #include "views/Convert.h"
 #include "views/DisplaySelection.h"
 #include "views/TrayImage.h"
+#include "views/X11Connection.h"
 
 #include <QCursor>
 #include <QEvent>
@@ -113,7 +114,8 @@ void TrayIcon::lookForTray(int round) {
 }
 
 void TrayIcon::makeIcon() {
-    if (icon_)
+    // There is no such tray elsewhere.
+    if (icon_ || !x11Connection())
         return;
     icon_ = std::make_unique<QSystemTrayIcon>();
     icon_->setContextMenu(&menu());

@@ -5,7 +5,11 @@
 #include "views/IntroductionWindow.h"
 #include "views/SettingsWindow.h"
 
+#include <QAbstractButton>
+#include <QAccessible>
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QPalette>
 #include <QPointer>
 #include <QPushButton>
@@ -129,6 +133,64 @@ TEST_F(AppWindowsTest, TheLastPageOfTheIntroductionClosesItAndItBeginsAnew) {
     EXPECT_TRUE(first.isNull());
     windows.open("onboarding");
     EXPECT_EQ(introduction->step().get(), OnboardingStep::welcome);
+}
+
+TEST_F(AppWindowsTest, ASwitchWithoutARuleStaysOff) {
+    delegate.coordinator().settings().change([](AlertSettings& value) { value.rules.resize(1); });
+    windows.open("onboarding");
+    introduction->next();
+    layOut();
+    const auto switches = window("Kivo")->findChildren<QCheckBox*>();
+    ASSERT_FALSE(switches.empty());
+    for (auto* control : switches) {
+        control->setChecked(true); // as a screen reader does
+        EXPECT_FALSE(control->isChecked()) << control->accessibleName().toStdString();
+    }
+}
+
+TEST_F(AppWindowsTest, TheKeyboardGoesOnWhereARuleWasDeleted) {
+    machine.standardDefaults().set("settingsTab", std::string("alerts"));
+    windows.open("settings");
+    QWidget* settings = window("Kivo Settings");
+    settings->activateWindow();
+    const auto button = [&](const char* name) {
+        for (auto* each : settings->findChildren<QAbstractButton*>()) {
+            if (each->isVisible() && (each->accessibleName() == name || each->text() == name))
+                return each;
+        }
+        return static_cast<QAbstractButton*>(nullptr);
+    };
+    const auto removed = [&](const char* rule) {
+        layOut();
+        button(rule)->click();
+        layOut();
+        QAbstractButton* removal = button("Delete");
+        removal->setFocus();
+        removal->click();
+        machine.virtualLoop().runPosted();
+        layOut();
+        const auto* focus = qobject_cast<QAbstractButton*>(settings->focusWidget());
+        return focus ? (focus->accessibleName() + focus->text()).toStdString() : "nothing";
+    };
+    EXPECT_EQ(removed("Drops below 20%"), "Drops below 10%");
+    EXPECT_EQ(removed("Drops below 5%"), "Add alert");
+}
+
+TEST_F(AppWindowsTest, FieldsWithAValueForANameHaveALabel) {
+    machine.standardDefaults().set("settingsTab", std::string("alerts"));
+    windows.open("settings");
+    QWidget* settings = window("Kivo Settings");
+    layOut();
+    for (auto* each : settings->findChildren<QAbstractButton*>()) {
+        if (each->accessibleName() == "Drops below 20%" && !qobject_cast<QCheckBox*>(each))
+            each->click();
+    }
+    layOut();
+    auto* sounds = settings->findChild<QComboBox*>();
+    ASSERT_TRUE(sounds);
+    const auto labels = QAccessible::queryAccessibleInterface(sounds)->relations(QAccessible::Label);
+    ASSERT_EQ(labels.size(), 1);
+    EXPECT_EQ(labels.first().first->text(QAccessible::Name), "Sound");
 }
 
 TEST_F(AppWindowsTest, ColoursFollowTheDesktopWhileOpen) {

@@ -11,6 +11,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPaintEvent>
+#include <QScreen>
 
 #include <gtest/gtest.h>
 
@@ -137,6 +138,29 @@ TEST_F(MenuWindowTest, MovesUntilItRestsAndThenWaitsForNothing) {
     loop.advance(seconds(4));
     EXPECT_FALSE(window.isMoving());
     EXPECT_EQ(loop.pending(), 0u);
+}
+
+TEST_F(MenuWindowTest, ShowsWhatOneOpenedAnewWould) {
+    MenuSource source = onBattery(1);
+    show(source);
+    const auto becomes = [&](const char* what, std::int64_t level, bool isLowPowerMode) {
+        source.snapshot->level = level;
+        source.snapshot->isLowPowerMode = isLowPowerMode;
+        show(source);
+        for (int frame = 0; frame < 120; ++frame) {
+            loop.advance(seconds(1.0 / 60));
+            QApplication::processEvents();
+        }
+        // Without the corners, behind which something else lies.
+        const QRect inside = window.rect().adjusted(12, 12, -12, -12);
+        const QImage seen = window.screen()->grabWindow(window.winId()).copy(inside).toImage();
+        const QImage anew = window.grab(inside).toImage();
+        EXPECT_TRUE(seen.convertToFormat(QImage::Format_RGB32) == anew.convertToFormat(QImage::Format_RGB32))
+            << what;
+    };
+    becomes("low power", 64, true);
+    becomes("critical", 8, true);
+    becomes("back", 50, false);
 }
 
 TEST_F(MenuWindowTest, ANoteFadesAndTakesItsRoomWithIt) {
