@@ -51,35 +51,49 @@ bool print(const std::string& text) {
     return std::fflush(stdout) == 0 && isWritten;
 }
 
-// Waits for the next change in a folder.
-class FolderWatch {
+// Waits for the next change of the list: of its folder, which may be taken away and come back, and of the one
+// that the file itself is in where it is a link.
+class ListWatch {
 public:
-    explicit FolderWatch(const std::string& folder) : events_(inotify_init1(IN_CLOEXEC)) {
-        std::error_code ignored;
-        std::filesystem::create_directories(folder, ignored);
-        if (!events_ || inotify_add_watch(events_.get(), folder.c_str(), IN_MOVED_TO | IN_CLOSE_WRITE) < 0)
-            throw std::runtime_error(folder + " cannot be watched");
-    }
+    explicit ListWatch(std::filesystem::path file) : file_(std::move(file)) { begin(); }
 
+    // What changes from then on is not missed.
     bool wait() {
         alignas(inotify_event) char events[4096];
-        return read(events_.get(), events, sizeof events) > 0;
+        if (read(events_.get(), events, sizeof events) <= 0)
+            return false;
+        begin();
+        return true;
     }
 
 private:
+    void begin() {
+        events_ = Descriptor(inotify_init1(IN_CLOEXEC));
+        std::error_code ignored;
+        std::filesystem::create_directories(file_.parent_path(), ignored);
+        if (!follow(file_.parent_path()))
+            throw std::runtime_error(file_.parent_path().string() + " cannot be watched");
+        if (std::filesystem::is_symlink(file_, ignored))
+            follow(std::filesystem::weakly_canonical(file_, ignored).parent_path());
+    }
+    bool follow(const std::filesystem::path& folder) {
+        return events_ && inotify_add_watch(events_.get(), folder.c_str(),
+                                            IN_MOVED_TO | IN_CLOSE_WRITE | IN_DELETE_SELF | IN_MOVE_SELF) >= 0;
+    }
+
+    std::filesystem::path file_;
     Descriptor events_;
 };
 
 int run(const Options& options) {
-    const auto folder = Folders::find().data;
-    const auto path = folder + "/widgets.json";
+    const auto path = Folders::find().data + "/widgets.json";
     const auto text = [&] {
         const auto devices = readList(path);
         return options.isForWaybar ? waybarLine(devices) : batteryLines(devices);
     };
     if (!options.follows)
         return print(text()) ? 0 : 1;
-    FolderWatch watch(folder);
+    ListWatch watch(path);
     std::optional<std::string> printed;
     do {
         auto now = text();

@@ -9,6 +9,7 @@
 #include <iostream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -36,9 +37,11 @@ std::optional<std::string> readAll(const std::string& path) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fputs("usage: kivo-sim FILE (or - for standard input)\n", stderr);
-        return unreadable;
+    const std::string_view argument = argc == 2 ? argv[1] : "";
+    const bool wantsHelp = argument == "--help" || argument == "-h";
+    if (wantsHelp || argc != 2) {
+        std::fputs("usage: kivo-sim FILE (or - for standard input)\n", wantsHelp ? stdout : stderr);
+        return wantsHelp ? 0 : unreadable;
     }
     const auto text = readAll(argv[1]);
     if (!text) {

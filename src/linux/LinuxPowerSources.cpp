@@ -131,6 +131,8 @@ void LinuxPowerSources::consider(const Supplies& supplies) {
     if (isDoubtful(supplies, picture) && !isDoubtOver_) {
         if (!doubt_) {
             doubt_ = loop_.after(doubtDelay, [this] {
+                // What cannot be told just now is doubted anew.
+                doubt_.reset();
                 isDoubtOver_ = true;
                 update();
                 isDoubtOver_ = false;

@@ -107,4 +107,17 @@ void append(std::string& text, std::uint32_t code) {
     }
 }
 
+std::string plainLine(std::string_view text, std::size_t longest) {
+    std::string result;
+    for (std::size_t count = 0; !text.empty() && count < longest; ++count) {
+        const auto known = characterLength(text);
+        const auto length = std::max(known, std::size_t{1});
+        const auto code = known > 0 ? decoded(text.substr(0, known)) : 0xFFFD;
+        const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
+        result += isControl ? std::string_view(" ") : text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return result;
+}
+
 } // namespace kivo::utf8

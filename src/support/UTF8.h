@@ -19,6 +19,9 @@ std::size_t validPrefix(std::string_view text);
 // one for any other stray byte.
 std::string repaired(std::string_view text);
 
+// The first `longest` characters in one line: control characters become spaces.
+std::string plainLine(std::string_view text, std::size_t longest);
+
 // The character that `character`, as long as `characterLength` says and well-formed, stands for.
 std::uint32_t decoded(std::string_view character);
 

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 """From a charger that is pulled out to what the user sees, hears and reads, with real parts all the way."""
+import os
 import time
 
 from desktop import Desktop, Listener, Messages, wait_for
@@ -151,6 +152,22 @@ class AlertTest(KivoTest):
         kivo.await_island(1, unplugged)
         time.sleep(1)
         self.assertIsNone(listener.heard(unplugged))
+
+
+    def test_a_sound_that_nobody_takes_is_not_kept_for_later(self):
+        kivo = self.start()
+        threads = lambda: len(os.listdir(f'/proc/{kivo.process.pid}/task'))
+        before = threads()
+        self.desktop.output(['pactl', 'suspend-sink', 'kivo_null', '1'])
+        self.addCleanup(self.desktop.output, ['pactl', 'suspend-sink', 'kivo_null', '0'])
+        unplugged = self.desktop.unplug()
+        kivo.await_island(1, unplugged)
+        wait_for('the sound on its way', lambda: threads() > before, 1)
+        wait_for('an end of the waiting', lambda: threads() <= before, 6)
+        self.desktop.output(['pactl', 'suspend-sink', 'kivo_null', '0'])
+        listener = Listener(self.desktop)
+        time.sleep(1)
+        self.assertIsNone(listener.heard())
 
 
 class BarePartsTest(KivoTest):

@@ -190,6 +190,26 @@ TEST_F(LinuxPowerSourcesTest, ABatteryThatIsTakenOutIsGoneASecondLater) {
     EXPECT_TRUE(comes("60 AC charging"));
 }
 
+TEST_F(LinuxPowerSourcesTest, ADoubtThatEndsWhileNobodyAnswersIsNotForEver) {
+    const QString second = QStringLiteral("/org/freedesktop/UPower/devices/battery_BAT1");
+    startUPower();
+    upowerd->objects[second] = upowerd->objects[battery];
+    upowerd->objects[second].properties["Percentage"] = 20.0;
+    startPower();
+    ASSERT_TRUE(comes("40 AC charging"));
+    upowerd->tell(manager, service, "DeviceRemoved", QVariant::fromValue(QDBusObjectPath(second)));
+    settle();
+    loop.advance(300ms);
+    upowerd.reset();
+    ASSERT_TRUE(eventually([&] { return upower->availability() != UPower::Availability::present; }));
+    loop.advance(1s);
+    startUPower();
+    ASSERT_TRUE(eventually([&] { return upower->availability() == UPower::Availability::present; }));
+    settle();
+    loop.advance(1s);
+    EXPECT_EQ(seen(), "60 AC charging");
+}
+
 TEST_F(LinuxPowerSourcesTest, NothingLeftAllOfASuddenMustLast) {
     startUPower();
     startPower();

@@ -131,9 +131,8 @@ TEST_F(FileUserDefaultsTest, AFailingDiskIsReportedOnceAndSavingGoesOn) {
                                  ": Not a directory"});
     EXPECT_EQ(defaults->value("a"), PropertyValue(2));
     std::filesystem::remove(folder / "kivo");
-    defaults->set("b", 1);
     defaults.reset();
-    EXPECT_EQ(open()->value("a"), PropertyValue(2));
+    EXPECT_EQ(open()->value("a"), PropertyValue(2)) << "tried again in the end";
 }
 
 TEST(DiskWriter, TheNewestTextWinsAndEveryoneHearsTheOutcome) {

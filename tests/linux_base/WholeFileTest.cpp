@@ -67,6 +67,10 @@ TEST(WholeFile, ReplacesWhatALinkPointsTo) {
     EXPECT_EQ(replaceWholeFile(folder / "x.json", "new"), std::nullopt);
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "x.json"));
     EXPECT_EQ(textOf(folder / "real.json"), "new");
+    ASSERT_EQ(symlink("later/y.json", (folder / "y.json").c_str()), 0);
+    EXPECT_EQ(replaceWholeFile(folder / "y.json", "first"), std::nullopt);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "y.json"));
+    EXPECT_EQ(textOf(folder / "later/y.json"), "first");
 }
 
 TEST(WholeFile, WhatCannotBeReadOrWrittenSaysWhy) {

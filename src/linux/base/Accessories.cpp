@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/Accessories.h"
 
+#include "support/UTF8.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -64,9 +66,22 @@ bool isAddress(std::string_view text) {
     return true;
 }
 
+// Devices say what they like, and it is shown in lists and terminals.
+std::string plainName(std::string_view text) {
+    constexpr std::size_t longest = 200;
+    const std::string line = utf8::plainLine(text, longest);
+    const auto first = line.find_first_not_of(' ');
+    return first == std::string::npos ? std::string()
+                                      : line.substr(first, line.find_last_not_of(' ') - first + 1);
+}
+
 std::string textAt(const Dictionary& properties, std::string_view key) {
     const auto* text = stringAt(properties, key);
     return text ? *text : std::string();
+}
+
+std::string nameAt(const Dictionary& properties, std::string_view key) {
+    return plainName(textAt(properties, key));
 }
 
 template <typename Key, typename Value>
@@ -131,9 +146,9 @@ std::optional<Sighting> sightingFromUPower(const std::string& path, const Dictio
     sighting.address =
         bluetoothAddress(nativePath).value_or(bluetoothAddress(sighting.serial).value_or(std::string()));
     sighting.path = nativePath.empty() ? path : nativePath;
-    sighting.name = textAt(properties, "Model");
+    sighting.name = nameAt(properties, "Model");
     if (sighting.name.empty())
-        sighting.name = textAt(properties, "Vendor");
+        sighting.name = nameAt(properties, "Vendor");
     sighting.category = look(categoryByUPowerType, type);
     sighting.isCharging = integerAt(properties, "State").value_or(0) == chargingState;
     sighting.isNamedByUser = nativePath.find("/org/bluez/") == 0;
@@ -154,9 +169,9 @@ Sighting sightingFromBluez(const std::string& path, const Dictionary& properties
     sighting.address = bluetoothAddress(textAt(properties, "Address"))
                            .value_or(bluetoothAddress(path).value_or(std::string()));
     sighting.path = path;
-    sighting.name = textAt(properties, "Alias");
+    sighting.name = nameAt(properties, "Alias");
     if (sighting.name.empty())
-        sighting.name = textAt(properties, "Name");
+        sighting.name = nameAt(properties, "Name");
     const auto icon = textAt(properties, "Icon");
     sighting.category = look(categoryByBluezIcon, std::string_view(icon));
     sighting.isNamedByUser = true;
@@ -267,7 +282,7 @@ std::vector<Dictionary> inputDeviceProperties(const KernelSupplies& supplies) {
             attribute(attributes, "present") == "0" || percent <= 0)
             continue;
         const std::string serial(attribute(attributes, "serial_number"));
-        const std::string model(attribute(attributes, "model_name"));
+        const std::string model = plainName(attribute(attributes, "model_name"));
         auto address = bluetoothAddress(name);
         if (!address)
             address = bluetoothAddress(serial);

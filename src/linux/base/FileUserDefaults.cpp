@@ -112,7 +112,7 @@ Dictionary defaults::decode(std::string_view text) {
     return values;
 }
 
-// What became of the last save; only the writer's thread touches it.
+// What became of the last save; only the writer's thread touches it while there is something to write.
 struct FileUserDefaults::Outcome {
     std::string lastError;
 };
@@ -123,6 +123,10 @@ FileUserDefaults::FileUserDefaults(std::string path, DiskWriter& writer, LogSink
 }
 
 FileUserDefaults::~FileUserDefaults() {
+    writer_.flush();
+    if (outcome_->lastError.empty())
+        return;
+    save();
     writer_.flush();
 }
 

@@ -12,14 +12,15 @@ namespace kivo {
 
 // A database of settings in one JSON file. Values live in memory; each change hands the whole text to the
 // disk writer, so that the main thread never waits for a disk. A process killed right after a change may lose
-// that change, never the file. A file that cannot be read or understood counts as empty and is moved aside,
+// that change, never the file. What a full disk did not take is written with the next change, at the latest in
+// the end. A file that cannot be read or understood counts as empty and is moved aside,
 // not overwritten, by the first save. Changes that others make to the file while the process runs are not
 // seen.
 class FileUserDefaults final : public UserDefaults {
 public:
     // The writer must outlive this object.
     FileUserDefaults(std::string path, DiskWriter& writer, LogSink& log);
-    // Waits until the last change is safe.
+    // Waits until the last change is safe, or has failed twice.
     ~FileUserDefaults() override;
 
     std::optional<PropertyValue> value(std::string_view key) override;

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int stepMicroseconds = 10'000;
 constexpr int longestConnect = 3'000'000 / stepMicroseconds;
+constexpr int longestIdle = 3'000'000 / stepMicroseconds;
 // What is handed over in advance: how late a sound starts, how long the thread may be held up.
 constexpr pa_usec_t bufferMicroseconds = 40'000;
 
@@ -169,8 +170,12 @@ void PulsePlayback::step(const std::function<void(float*, std::size_t)>& fill) {
     std::size_t bytes = pulse.pa_stream_writable_size(connection_->stream);
     if (bytes == static_cast<std::size_t>(-1))
         connection_->fail();
-    if (bytes < sizeof(float))
+    if (bytes < sizeof(float)) {
+        if (++idleSteps_ == longestIdle)
+            throw std::runtime_error("the sound server takes no sound");
         return;
+    }
+    idleSteps_ = 0;
     void* memory = nullptr;
     if (pulse.pa_stream_begin_write(connection_->stream, &memory, &bytes) < 0)
         connection_->fail();

@@ -37,9 +37,17 @@ std::string nameOf(const std::string& path) {
 std::string followed(const std::string& path) {
     char target[PATH_MAX];
     struct stat status {};
-    if (lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && realpath(path.c_str(), target))
+    if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode))
+        return path;
+    if (realpath(path.c_str(), target))
         return target;
-    return path;
+    // Nothing is there yet.
+    const bool leadsNowhere = errno == ENOENT;
+    const auto length = readlink(path.c_str(), target, sizeof target);
+    if (!leadsNowhere || length <= 0 || static_cast<std::size_t>(length) == sizeof target)
+        return path;
+    const std::string aim(target, static_cast<std::size_t>(length));
+    return aim.front() == '/' ? aim : folderOf(path) + "/" + aim;
 }
 
 bool makeFolders(const std::string& folder) {

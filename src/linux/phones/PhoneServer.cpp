@@ -18,20 +18,6 @@ const char* textOrNull(const Dictionary& arguments, std::string_view key) {
     return text ? text->c_str() : nullptr;
 }
 
-std::string shortText(std::string_view text) {
-    std::string result;
-    for (std::size_t count = 0; !text.empty() && count < longestText; ++count) {
-        const auto length = std::max(utf8::characterLength(text), std::size_t{1});
-        const auto first = static_cast<unsigned char>(text[0]);
-        if (first < ' ' || first == 0x7F)
-            result += ' ';
-        else
-            result += text.substr(0, length);
-        text.remove_prefix(length);
-    }
-    return result;
-}
-
 // A percentage that is none would be shown and alerted about as it stands.
 void dropWrongLevel(Dictionary& values) {
     const auto found = values.find(levelKey);
@@ -46,7 +32,7 @@ void dropWrongLevel(Dictionary& values) {
 
 PropertyValue withShortTexts(PropertyValue value) {
     if (const auto* text = value.string())
-        return shortText(*text);
+        return utf8::plainLine(*text, longestText);
     if (auto* array = value.array()) {
         for (auto& one : *array)
             one = withShortTexts(std::move(one));
