@@ -12,6 +12,10 @@ NameOwner::NameOwner(QDBusConnection bus, QString name, std::function<void(const
     auto* watcher = new QDBusServiceWatcher(name_, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) { set(owner); });
+    // Said by the binding itself.
+    bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                 SLOT(busGone()));
     callBus(bus_, busCall(QStringLiteral("GetNameOwner"), {name_}), this, [this](const QDBusMessage& reply) {
         // The bus sends in order: this is never older than a change that has already arrived.
         set(reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0).toString() : QString());

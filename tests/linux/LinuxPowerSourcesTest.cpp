@@ -293,6 +293,17 @@ TEST_F(LinuxPowerSourcesTest, TheKernelFillsGapsAndStandsIn) {
     EXPECT_EQ(seen(), "60 AC charging");
 }
 
+TEST_F(LinuxPowerSourcesTest, TheKernelStandsInForABusThatHasGone) {
+    writeKernel("BAT0", {{"type", "Battery"}, {"status", "Discharging"}, {"capacity", "58"}});
+    startUPower();
+    startPower();
+    ASSERT_TRUE(comes("60 AC charging"));
+    bus.stop();
+    ASSERT_TRUE(eventually([&] { return upower->availability() == UPower::Availability::absent; }));
+    loop.advance(3s);
+    EXPECT_EQ(seen(), "58");
+}
+
 TEST_F(LinuxPowerSourcesTest, WithoutUPowerTheKernelIsAskedAtOnce) {
     writeKernel("BAT0", {{"type", "Battery"}, {"status", "Discharging"}, {"capacity", "58"}});
     startPower();

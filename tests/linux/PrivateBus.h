@@ -63,6 +63,8 @@ public:
     PrivateBus& operator=(const PrivateBus&) = delete;
 
     const QDBusConnection& connection() const { return *connection_; }
+    // The bus goes and leaves its connections behind.
+    void stop() { end(daemon_); }
 
     // Starts a program on this bus, as its session and its system bus; it is ended with the bus.
     QProcess& start(const QString& program, const QStringList& arguments, const QString& display = {}) {
