@@ -43,17 +43,15 @@ AlertsTab::~AlertsTab() = default;
 
 void AlertsTab::addFamily(const AlertsPaneContent::Section& content) {
     auto* card = new Card(ruleInset);
-    QWidget* row = nullptr;
     FormButton* add = nullptr;
     if (content.canAdd) {
         add = new FormButton(kit_, FormButton::Kind::link, texts_.add, "plus");
         add->setAccessibleDescription(QString::fromStdString(content.title));
         connect(add, &FormButton::clicked, this,
                 [this, family = content.family] { model_.alerts().addRule(family); });
-        row = addRow(add);
-        card->addRow(row);
+        card->addRow(addRow(add));
     }
-    families_.push_back({card, row, add, {}});
+    families_.push_back({card, add, {}});
     auto* symbol = new SymbolBlock(kit_, content.symbol, content.color, 18);
     static_cast<QVBoxLayout*>(layout())->addWidget(section(content.title, content.detail, symbol, card));
 }
@@ -80,8 +78,8 @@ void AlertsTab::showRules(Family& family, const std::vector<AlertsPaneContent::R
         family.card->insertRow(static_cast<int>(family.rules.size()), rule);
         family.rules.push_back(rule);
         // Below them, also for the keyboard and for readers.
-        if (family.addRow)
-            family.addRow->raise();
+        if (family.add)
+            family.add->parentWidget()->raise();
     }
     while (family.rules.size() > rules.size()) {
         RuleView* last = family.rules.back();

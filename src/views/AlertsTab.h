@@ -25,8 +25,7 @@ public:
 private:
     struct Family {
         Card* card = nullptr;
-        QWidget* addRow = nullptr; // none where nothing can be added
-        FormButton* add = nullptr; // in it
+        FormButton* add = nullptr; // none where nothing can be added
         std::vector<RuleView*> rules;
     };
     void addFamily(const AlertsPaneContent::Section& content);

@@ -273,7 +273,7 @@ class Desktop:
         background = '#%02x%02x%02x' % BACKGROUND
         self.output(['hsetroot', '-solid', background])
         if self.compositor:
-            self.spawn('picom', ['picom', '--config', '/dev/null', '--backend', 'xrender'])
+            self.start_compositor()
         if self.notifications:
             self.start_notifications()
         if self.sound:
@@ -285,6 +285,9 @@ class Desktop:
             wait_for('the sound server', lambda: os.path.exists(self.path('run', 'pulse.sock')))
         if self.tray:
             self.start_tray()
+
+    def start_compositor(self):
+        self.picom = self.spawn('picom', ['picom', '--config', '/dev/null', '--backend', 'xrender'])
 
     def start_upower(self):
         self.upowerd = self.spawn_on_hardware('upowerd', ['/usr/libexec/upowerd', '-d'],

@@ -101,6 +101,28 @@ class X11Test(IslandTest):
     def test_without_a_compositor_the_glow_is_a_line(self):
         self.check_glowing_island(self.desktop_with(compositor=False), 6)
 
+    def test_a_compositor_goes_and_comes_back(self):
+        desktop = self.desktop_with()
+        self.begin(desktop, POWER)
+        # The light around an island, or black where nothing is blended.
+        around = lambda: desktop.screenshot().at(640, 26)
+        desktop.unplug()
+        self.await_island(640, 32)
+        lit = around()
+        self.assertFalse(PLAIN(lit), lit)
+        desktop.end(desktop.picom)
+        time.sleep(4)
+        desktop.output(['hsetroot', '-solid', '#%02x%02x%02x' % BACKGROUND])
+        desktop.plug_in()
+        self.await_island(640, 32)
+        self.assertTrue(PLAIN(around()), around())
+        time.sleep(5)
+        desktop.start_compositor()
+        time.sleep(1)
+        desktop.unplug()
+        self.await_island(640, 32)
+        self.assertEqual(around(), lit)
+
     def test_a_full_screen_window_keeps_focus_and_clicks_below_it(self):
         desktop = self.desktop_with()
         with open(desktop.path('rc.xml'), 'w', encoding='utf-8') as config:

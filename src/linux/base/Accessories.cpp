@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/base/Accessories.h"
 
+#include "linux/base/Words.h"
 #include "support/UTF8.h"
 
 #include <algorithm>
@@ -69,10 +70,7 @@ bool isAddress(std::string_view text) {
 // Devices say what they like, and it is shown in lists and terminals.
 std::string plainName(std::string_view text) {
     constexpr std::size_t longest = 200;
-    const std::string line = utf8::plainLine(text, longest);
-    const auto first = line.find_first_not_of(' ');
-    return first == std::string::npos ? std::string()
-                                      : line.substr(first, line.find_last_not_of(' ') - first + 1);
+    return std::string(trimmed(utf8::plainLine(text, longest)));
 }
 
 std::string textAt(const Dictionary& properties, std::string_view key) {

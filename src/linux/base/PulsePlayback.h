@@ -20,7 +20,7 @@ public:
     PulsePlayback& operator=(const PulsePlayback&) = delete;
 
     // Waits up to 10 ms for the server; lets `fill` write the samples that it wants by then, if any. Throws
-    // std::runtime_error when the server is gone, or has wanted none for two seconds: it hangs, or its output
+    // std::runtime_error when the server is gone, or has wanted none for three seconds: it hangs, or its output
     // is suspended, as for a user who is switched away.
     void step(const std::function<void(float* samples, std::size_t count)>& fill);
 
